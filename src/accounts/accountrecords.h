@@ -1,0 +1,155 @@
+#pragma once
+
+#include "shell/record.h"
+
+namespace fenlark {
+
+// What a client owes for one or more bookings.
+class Account : public LocalRecord<Account> {
+public:
+    static constexpr const char *Table = "account";
+    static constexpr const char *Key = "BBAccountID";
+    static constexpr auto keyMember() { return &Account::BBAccountID; }
+    static const std::vector<Column<Account>> &columns();
+
+    qint32 BBAccountID = 0;
+    qint32 InvoiceTo = 0;
+    qint32 ProformaNo = 0;
+    qint32 InvoiceNo = 0;
+    qint32 AccountID = 0;
+    QString Status;   // "O" open, "C" closed
+    QString Reference;
+    qint16 VatCode = 0;
+};
+
+class Extra : public LocalRecord<Extra> {
+public:
+    static constexpr const char *Table = "extra";
+    static constexpr const char *Key = "BBExtraID";
+    static constexpr auto keyMember() { return &Extra::BBExtraID; }
+    static const std::vector<Column<Extra>> &columns();
+
+    qint32 BBExtraID = 0;
+    qint32 ExtraID = 0;
+    qint32 BBGuestID = 0;
+    QDate ExtraDate;
+    double Qty = 0;
+    double Price = 0;
+    qint32 BBStockID = 0;
+    qint32 BBAccountID = 0;
+};
+
+class Payment : public LocalRecord<Payment> {
+public:
+    static constexpr const char *Table = "payment";
+    static constexpr const char *Key = "BBPaymentID";
+    static constexpr auto keyMember() { return &Payment::BBPaymentID; }
+    static const std::vector<Column<Payment>> &columns();
+
+    qint32 BBPaymentID = 0;
+    qint32 PaymentID = 0;
+    qint32 BBAccountID = 0;
+    QDateTime CreateDate;
+    QString CreateUser;
+    QDate PaymentDate;
+    QString PaymentType;
+    QString Reference;
+    double Amount = 0;
+};
+
+class ClientTran : public LocalRecord<ClientTran> {
+public:
+    static constexpr const char *Table = "clienttran";
+    static constexpr const char *Key = "BBClientTranID";
+    static constexpr auto keyMember() { return &ClientTran::BBClientTranID; }
+    static const std::vector<Column<ClientTran>> &columns();
+
+    qint32 BBClientTranID = 0;
+    qint32 ClientTranID = 0;
+    qint32 BBClientID = 0;
+    QDate TranDate;
+    QString TranType;
+    qint32 TranNo = 0;
+    QString Reference;
+    double Amount = 0;   // positive is a debit
+    double VAT = 0;
+    bool Matched = false;
+};
+
+class Invoice : public InsertOnlyRecord<Invoice> {
+public:
+    static constexpr const char *Table = "invoice";
+    static constexpr const char *Key = "BBInvoiceID";
+    static constexpr auto keyMember() { return &Invoice::BBInvoiceID; }
+    static const std::vector<Column<Invoice>> &columns();
+
+    qint32 BBInvoiceID = 0;
+    qint32 InvoiceID = 0;
+    qint32 InvoiceNo = 0;
+    qint32 BBClientID = 0;
+    QDateTime CreateDate;
+    QString CreateUser;
+    double Amount = 0;
+    double VAT = 0;
+    qint32 BBAccountID = 0;
+};
+
+class InvoiceItem : public LocalRecord<InvoiceItem> {
+public:
+    static constexpr const char *Table = "invoiceitem";
+    static constexpr const char *Key = "BBInvoiceItemID";
+    static constexpr auto keyMember() { return &InvoiceItem::BBInvoiceItemID; }
+    static const std::vector<Column<InvoiceItem>> &columns();
+
+    qint32 BBInvoiceItemID = 0;
+    qint32 BBInvoiceID = 0;
+    qint32 InvoiceItemID = 0;
+    QString itemType;
+    qint32 ItemID = 0;
+    QString ItemDate;
+    QString Description;
+    double Qty = 0;
+    double Price = 0;
+    qint16 VatCode = 0;
+};
+
+class CreditNote : public InsertOnlyRecord<CreditNote> {
+public:
+    static constexpr const char *Table = "creditnote";
+    static constexpr const char *Key = "BBCreditNoteID";
+    static constexpr auto keyMember() { return &CreditNote::BBCreditNoteID; }
+    static const std::vector<Column<CreditNote>> &columns();
+
+    qint32 BBCreditNoteID = 0;
+    qint32 CreditNoteID = 0;
+    qint32 CreditNoteNo = 0;
+    QDateTime CreateDate;
+    QString CreateUser;
+    qint32 InvoiceNo = 0;
+};
+
+// An item the property sells (downloaded).
+class Stock : public KeyedUnloggedRecord<Stock> {
+public:
+    static constexpr const char *Table = "stock";
+    static constexpr const char *Key = "BBStockID";
+    static const std::vector<Column<Stock>> &columns();
+
+    qint32 BBStockID = 0;
+    QString StockName;
+    QString Active;
+    double Price = 0;
+    qint16 VatCode = 0;
+};
+
+class VatCode : public KeyedUnloggedRecord<VatCode> {
+public:
+    static constexpr const char *Table = "vatcode";
+    static constexpr const char *Key = "VatCode";
+    static const std::vector<Column<VatCode>> &columns();
+
+    qint16 Code = 0;   // the column VatCode
+    double VATRate = 0;
+};
+
+} // namespace fenlark

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "shell/record.h"
+
+namespace fenlark {
+
+// A person or company the property deals with.
+class Client : public LocalRecord<Client> {
+public:
+    static constexpr const char *Table = "client";
+    static constexpr const char *Key = "BBClientID";
+    static constexpr auto keyMember() { return &Client::BBClientID; }
+    static const std::vector<Column<Client>> &columns();
+
+    qint32 BBClientID = 0;
+    qint32 ClientID = 0;
+    QDateTime DateCreated;
+    QString CreatedOn;
+    QString ClientType;
+    QString Title;
+    QString FirstName;
+    QString Surname;
+    QString Company;
+    QString PhoneNo;
+    QString Email;
+    QString Notes;
+    qint16 BBRateSheetID = 0;
+    QString Add1;
+    QString Add2;
+    QString VatNo;
+    QString Active;
+};
+
+// A repeating named field of a client (a second phone, a fax, ...).
+class ClientExtra : public LocalRecord<ClientExtra> {
+public:
+    static constexpr const char *Table = "clientextra";
+    static constexpr const char *Key = "BBClientExtraID";
+    static constexpr auto keyMember() { return &ClientExtra::BBClientExtraID; }
+    static const std::vector<Column<ClientExtra>> &columns();
+
+    qint32 BBClientExtraID = 0;
+    qint32 ClientExtraID = 0;
+    qint32 BBClientID = 0;
+    QString FieldType;
+    QString FieldValue;
+};
+
+} // namespace fenlark

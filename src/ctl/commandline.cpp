@@ -1,0 +1,59 @@
+#include "ctl/commandline.h"
+
+namespace fenlark::ctl {
+
+CommandLine::CommandLine(const QStringList &arguments, const QStringList &flags)
+{
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &arg = arguments.at(i);
+        if (arg.startsWith(QStringLiteral("--")) && arg.size() > 2) {
+            const QString name = arg.mid(2);
+            const int eq = name.indexOf(QLatin1Char('='));
+            if (eq > 0)
+                m_options.append({name.left(eq), name.mid(eq + 1)});
+            else if (flags.contains(name) || i + 1 >= arguments.size())
+                m_options.append({name, QString()});
+            else
+                m_options.append({name, arguments.at(++i)});
+        } else {
+            m_positional << arg;
+        }
+    }
+}
+
+QString CommandLine::option(const QString &name, const QString &defaultValue) const
+{
+    for (const auto &o : m_options)
+        if (o.first == name)
+            return o.second;
+    return defaultValue;
+}
+
+QStringList CommandLine::options(const QString &name) const
+{
+    QStringList values;
+    for (const auto &o : m_options)
+        if (o.first == name)
+            values << o.second;
+    return values;
+}
+
+bool CommandLine::has(const QString &name) const
+{
+    for (const auto &o : m_options)
+        if (o.first == name)
+            return true;
+    return false;
+}
+
+int CommandLine::number(const QString &name, bool *ok, int defaultValue) const
+{
+    if (!has(name)) {
+        *ok = true;
+        return defaultValue;
+    }
+    const int value = option(name).toInt(ok);
+    return *ok ? value : 0;
+}
+
+} // namespace fenlark::ctl

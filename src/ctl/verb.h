@@ -1,0 +1,32 @@
+#pragma once
+
+#include "ctl/commandline.h"
+#include "shell/database.h"
+
+#include <QJsonValue>
+
+#include <memory>
+#include <vector>
+
+namespace fenlark::ctl {
+
+// One fenlarkctl verb: its name, a line of help, and what it runs.
+struct Verb {
+    const char *name;
+    const char *usage;
+    int (*run)(const CommandLine &args);
+};
+
+// The verbs of each subsystem; main() lists them all.
+const std::vector<Verb> &shellVerbs();
+
+// The database named by --db, else the configured database of the home folder.
+// Prints the reason and returns null when it cannot be opened.
+std::unique_ptr<Database> openDatabase(const CommandLine &args);
+QString databasePath(const CommandLine &args);
+
+// JSON for machines on stdout; errors on stderr with a non-zero exit.
+void printJson(const QJsonValue &value);
+int fail(const QString &message, int code = 1);
+
+} // namespace fenlark::ctl

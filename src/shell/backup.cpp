@@ -1,0 +1,101 @@
+#include "shell/backup.h"
+
+#include "shell/config.h"
+#include "shell/database.h"
+#include "shell/databasefiles.h"
+#include "shell/errorlog.h"
+#include "shell/home.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+
+namespace fenlark {
+
+namespace {
+
+// Replaces target by source through a temporary file, so that a failed copy
+// leaves the old target in place.
+bool replaceWith(const QString &source, const QString &target)
+{
+    const QString temp = target + QStringLiteral(".part");
+    QFile::remove(temp);
+    if (!QFile::copy(source, temp))
+        return false;
+    QFile::remove(target);
+    return QFile::rename(temp, target);
+}
+
+// A consistent snapshot of the open database in a new file beside target, then
+// moved over target.
+bool snapshot(Database &db, const QString &target)
+{
+    const QString temp = target + QStringLiteral(".part");
+    QFile::remove(temp);
+    try {
+        db.execute(QStringLiteral("vacuum into ?"), {temp});
+    } catch (const DatabaseError &e) {
+        ErrorLog::write(QStringLiteral("Backup to ") + target + QStringLiteral(" failed: ") + e.message());
+        QFile::remove(temp);
+        return false;
+    }
+    QFile::remove(target);
+    return QFile::rename(temp, target);
+}
+
+QString suffix(int dbNumber)
+{
+    return dbNumber > 0 ? QString::number(dbNumber) : QString();
+}
+
+} // namespace
+
+QString Backup::rotationFileName(int dbNumber, int index)
+{
+    return dbNumber > 0 ? QStringLiteral("DB%1-%2.db").arg(dbNumber).arg(index) : QStringLiteral("veldmoor-%1.db").arg(index);
+}
+
+QString Backup::monthlyFileName(int dbNumber, const QDate &today)
+{
+    // Four digits of the year and the month's short English name: "2026Nov".
+    const QString stem = QString::number(today.year()) + QLocale::c().monthName(today.month(), QLocale::ShortFormat);
+    return dbNumber > 0 ? stem + QStringLiteral("DB%1.db").arg(dbNumber) : stem + QStringLiteral(".db");
+}
+
+QStringList Backup::templateFileNames(int dbNumber)
+{
+    const QString s = suffix(dbNumber);
+    return {QStringLiteral("proforma%1.xlsx").arg(s), QStringLiteral("invoice%1.xlsx").arg(s),
+            QStringLiteral("Registration%1.docx").arg(s), QStringLiteral("Confirmation%1.docx").arg(s)};
+}
+
+bool Backup::backupDatabase(Database &db, int dbNumber, const QDate &today)
+{
+    if (readConfig(QStringLiteral("NoBackup"), QStringLiteral("N")) == QLatin1String("Y"))
+        return false;
+    const QDir dir(getBackupDir());
+    if (!dir.exists() && !QDir().mkdir(dir.path()))
+        return false;
+
+    // Rotate 3 -> 4, 2 -> 3, 1 -> 2.
+    for (int i = 3; i >= 1; --i) {
+        const QString source = dir.filePath(rotationFileName(dbNumber, i));
+        if (QFile::exists(source) && !replaceWith(source, dir.filePath(rotationFileName(dbNumber, i + 1))))
+            return false;
+    }
+    if (!snapshot(db, dir.filePath(monthlyFileName(dbNumber, today))))
+        return false;
+    if (!replaceWith(dir.filePath(monthlyFileName(dbNumber, today)), dir.filePath(rotationFileName(dbNumber, 1))))
+        return false;
+
+    // Templates: each on its own; a missing one is skipped.
+    const QString templates = Home::path() + QLatin1Char('/');
+    for (const QString &name : templateFileNames(dbNumber)) {
+        const QString source = templates + name;
+        if (QFile::exists(source))
+            replaceWith(source, dir.filePath(name));
+    }
+    return true;
+}
+
+} // namespace fenlark

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+
+namespace fenlark {
+
+// vmconfig.ini in the home folder, section "Param". Read afresh on every call.
+constexpr int ConfigValueLimit = 255;
+
+QString configPath();
+// The value of key (cut at 255 characters), or defaultValue when missing.
+QString readConfig(const QString &key, const QString &defaultValue);
+bool writeConfig(const QString &key, const QString &value);
+
+// Keys with a rule beyond a plain default.
+namespace config {
+// Folder of the templates, with a trailing "/" (default: the home folder).
+QString templateDir();
+// Folder of synch.err (default: the home folder).
+QString logDir();
+// The synchronisation's batch limit; 300 when missing or not a number.
+int logLimit();
+// The server's host, "host[:port]" or "https://host[:port]".
+QString server();
+QString proxy();
+// The default server: the reference server on this machine.
+QString defaultServer();
+// Invoice folder of a database: InvoiceDir for 0, InvoiceDir<n> for n; when empty
+// the home folder's "invoices<n>" is made and written back.
+QString invoiceDir(int dbNumber);
+} // namespace config
+
+} // namespace fenlark

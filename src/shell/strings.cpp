@@ -1,0 +1,106 @@
+#include "shell/strings.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace fenlark {
+
+namespace {
+
+QString unescape(QStringView text)
+{
+    QString out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (c == QLatin1Char('\\') && i + 1 < text.size()) {
+            const QChar n = text[++i];
+            if (n == QLatin1Char('n'))
+                out += QLatin1Char('\n');
+            else if (n == QLatin1Char('t'))
+                out += QLatin1Char('\t');
+            else if (n == QLatin1Char('r'))
+                out += QLatin1Char('\r');
+            else
+                out += n;
+        } else {
+            out += c;
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+StringTable &StringTable::instance()
+{
+    static StringTable table;
+    return table;
+}
+
+StringTable::StringTable()
+{
+    m_texts = load(EnglishLanguage);
+}
+
+QString StringTable::folderOf(int languageId)
+{
+    return languageId == SpanishLanguage ? QStringLiteral("es") : QStringLiteral("en");
+}
+
+QString StringTable::languageName(int languageId)
+{
+    switch (languageId) {
+    case EnglishLanguage:
+        return QStringLiteral("English (United States)");
+    case SpanishLanguage:
+        return QStringLiteral("Spanish (International)");
+    default:
+        return QStringLiteral("Invalid Language Index");
+    }
+}
+
+QHash<int, QString> StringTable::load(int languageId)
+{
+    QHash<int, QString> texts;
+    const QDir dir(QStringLiteral(":/strings/") + folderOf(languageId));
+    const QStringList files = dir.entryList({QStringLiteral("*.tsv")}, QDir::Files, QDir::Name);
+    for (const QString &name : files) {
+        QFile file(dir.filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QString content = QString::fromUtf8(file.readAll());
+        for (QStringView line : QStringView(content).split(QLatin1Char('\n'))) {
+            if (line.endsWith(QLatin1Char('\r')))
+                line.chop(1);
+            if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+                continue;
+            const qsizetype tab = line.indexOf(QLatin1Char('\t'));
+            if (tab <= 0)
+                continue;
+            bool ok = false;
+            const int id = line.left(tab).toInt(&ok);
+            if (ok)
+                texts.insert(id, unescape(line.mid(tab + 1)));
+        }
+    }
+    return texts;
+}
+
+void StringTable::setLanguage(int languageId)
+{
+    if (languageId != EnglishLanguage && languageId != SpanishLanguage)
+        languageId = EnglishLanguage;
+    if (languageId == m_language && !m_texts.isEmpty())
+        return;
+    m_language = languageId;
+    m_texts = load(languageId);
+}
+
+QString StringTable::get(int id, const QString &defaultText) const
+{
+    const auto it = m_texts.constFind(id);
+    return it == m_texts.constEnd() ? defaultText : it.value();
+}
+
+} // namespace fenlark
