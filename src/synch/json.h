@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+class QSqlQuery;
+class QSqlRecord;
+class QVariant;
+
+namespace fenlark {
+
+class JsonObject;
+using JsonArray = QList<class JsonValue>;
+
+// One value of the server exchange. Objects and arrays are shared by reference,
+// as the messages are built up and handed around in pieces.
+class JsonValue {
+public:
+    enum Kind {
+        Nothing,  // no value at all: what a failed parse returns
+        Null,
+        Empty,    // a number that ran off the end of a truncated text
+        Boolean,
+        Integer,  // 32-bit
+        Double,
+        Text,
+        DateTime, // only ever written, never parsed: dates arrive as text
+        Object,
+        Array,
+    };
+
+    JsonValue() = default;
+    static JsonValue null();
+    static JsonValue empty();
+    JsonValue(bool value);
+    JsonValue(qint32 value);
+    JsonValue(double value);
+    JsonValue(const QString &text);
+    JsonValue(const char *text);
+    JsonValue(const QDateTime &value);
+    JsonValue(std::shared_ptr<JsonObject> object);
+    JsonValue(std::shared_ptr<JsonArray> array);
+    static JsonValue newObject();
+    static JsonValue newArray();
+    // A database value: null, whole numbers in 32 bits, other numbers, text.
+    static JsonValue fromVariant(const QVariant &value);
+
+    Kind kind() const { return m_kind; }
+    bool isNothing() const { return m_kind == Nothing; }
+    bool isNull() const { return m_kind == Null; }
+    bool isObject() const { return m_kind == Object; }
+    bool isArray() const { return m_kind == Array; }
+    bool isNumber() const { return m_kind == Integer || m_kind == Double; }
+    bool isText() const { return m_kind == Text; }
+
+    bool toBool() const;
+    qint32 toInt(bool *ok = nullptr) const;
+    double toDouble(bool *ok = nullptr) const;
+    // The value as text: numbers in their written form, null and empty as "".
+    QString toText() const;
+    QDateTime toDateTime() const { return m_dateTime; }
+    // A database value for this one (null stays null; objects and arrays are invalid).
+    QVariant toVariant() const;
+
+    // Null pointers when the value is not of that kind.
+    JsonObject *object() const { return m_object.get(); }
+    JsonArray *array() const { return m_array.get(); }
+
+    // Member of an object; Nothing when absent or not an object.
+    JsonValue operator[](const QString &key) const;
+
+private:
+    Kind m_kind = Nothing;
+    bool m_bool = false;
+    qint32 m_int = 0;
+    double m_double = 0;
+    QString m_text;
+    QDateTime m_dateTime;
+    std::shared_ptr<JsonObject> m_object;
+    std::shared_ptr<JsonArray> m_array;
+};
+
+// An object: keys are case-sensitive and keep the order in which they came.
+class JsonObject {
+public:
+    // False when the key is already there (the value stays as it was).
+    bool add(const QString &key, const JsonValue &value);
+    // Adds or replaces.
+    void set(const QString &key, const JsonValue &value);
+    bool contains(const QString &key) const { return m_index.contains(key); }
+    JsonValue value(const QString &key) const;
+    void remove(const QString &key);
+    int size() const { return static_cast<int>(m_entries.size()); }
+    bool isEmpty() const { return m_entries.empty(); }
+    const std::vector<std::pair<QString, JsonValue>> &entries() const { return m_entries; }
+    QStringList keys() const;
+
+private:
+    std::vector<std::pair<QString, JsonValue>> m_entries;
+    QHash<QString, int> m_index;
+};
+
+namespace json {
+
+// Reads a text forgivingly: comments, parentheses and line breaks count as white
+// space, single quotes and bare keys are accepted, and a failure in the middle of an
+// object keeps what was read before it. The result is an object or an array, or
+// Nothing when the text holds neither; every failure is described in errors.
+// Truncated or hostile text never loops, overruns or recurses without bound.
+JsonValue parse(const QString &text, QString *errors = nullptr);
+
+// The text of a value: no white space, keys as they stand, pure ASCII with
+// upper-case \u escapes, the slash always escaped.
+QString toString(const JsonValue &value);
+void write(const JsonValue &value, QString &out);
+// A text's escaped form, without the quotes.
+void encode(const QString &text, QString &out);
+
+// One row as an object, one entry per column in column order, null kept as null.
+JsonValue recordToValue(const QSqlRecord &record);
+// Every row of a query: a single row (or none, as an empty object) is an object
+// unless forceCollection; more rows are an array.
+JsonValue recordsetToValue(QSqlQuery &query, bool forceCollection);
+
+// Nesting deeper than this is refused as hostile.
+constexpr int MaxDepth = 256;
+
+} // namespace json
+
+} // namespace fenlark
