@@ -1,0 +1,146 @@
+#include "synch/transport.h"
+
+#include <QEventLoop>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTimer>
+#include <QUrl>
+
+namespace fenlark {
+
+QString urlEncode(const QString &text)
+{
+    static const char hex[] = "0123456789ABCDEF";
+    QString out;
+    out.reserve(text.size() * 3);
+    for (const QChar ch : text) {
+        const unsigned char b = static_cast<unsigned char>(ch.unicode() & 0xFF);
+        if ((b >= '0' && b <= '9') || (b >= 'A' && b <= 'Z') || (b >= 'a' && b <= 'z')) {
+            out += QLatin1Char(static_cast<char>(b));
+        } else {
+            out += QLatin1Char('%');
+            out += QLatin1Char(hex[b >> 4]);
+            out += QLatin1Char(hex[b & 15]);
+        }
+    }
+    return out;
+}
+
+QString serverBase(const QString &server)
+{
+    QString base = server.trimmed();
+    while (base.endsWith(QLatin1Char('/')))
+        base.chop(1);
+    if (base.startsWith(QLatin1String("http://"), Qt::CaseInsensitive)
+        || base.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
+        return base;
+    return QStringLiteral("http://") + base;
+}
+
+namespace {
+
+QString loginQuery(const ServerLogin &login, const QString &action)
+{
+    return serverBase(login.server) + QStringLiteral("/moorgate/Synchronisation?a=") + action
+        + QStringLiteral("&bbid=") + QString::number(login.bbid) + QStringLiteral("&p=") + login.password;
+}
+
+} // namespace
+
+QString synchUrl(const ServerLogin &login, const QString &action)
+{
+    return loginQuery(login, action) + QStringLiteral("&version=") + QString::number(login.versionNo)
+        + QStringLiteral("&moorgateversion=") + urlEncode(login.versionText);
+}
+
+QString setupUrl(const ServerLogin &login, const QDateTime &lastUpdated, const QString &synchCounter)
+{
+    return synchUrl(login, QStringLiteral("s")) + QStringLiteral("&pclastupdated=")
+        + urlEncode(lastUpdated.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))) + QStringLiteral("&pcsynchcounter=")
+        + synchCounter;
+}
+
+QString upgradeUrl(const ServerLogin &login)
+{
+    return loginQuery(login, QStringLiteral("upgrade"));
+}
+
+QString redactPassword(const QString &url)
+{
+    static const QRegularExpression password(QStringLiteral("([?&]p=)[^&]*"));
+    QString out = url;
+    out.replace(password, QStringLiteral("\\1***"));
+    return out;
+}
+
+QString newBoundary(const QByteArray &data)
+{
+    while (true) {
+        QString boundary;
+        for (int i = 0; i < 16; ++i)
+            boundary += QLatin1Char(static_cast<char>('0' + QRandomGenerator::global()->bounded(10)));
+        if (!data.contains(boundary.toLatin1()))
+            return boundary;
+    }
+}
+
+QByteArray buildMultipart(const QString &boundary, const QByteArray &data)
+{
+    const QByteArray b = boundary.toLatin1();
+    QByteArray body;
+    body.reserve(data.size() + 200);
+    body += "--" + b + "\r\n";
+    body += "Content-Disposition: form-data; name=\"mydata\"; filename=\"\"\r\n";
+    body += "Content-Type: application/octet-stream\r\n";
+    body += "\r\n";
+    body += data;
+    body += "\r\n--" + b + "--\r\n";
+    return body;
+}
+
+HttpTransport::HttpTransport(int timeoutMs, const QString &proxy) : m_timeoutMs(timeoutMs), m_proxy(proxy.trimmed()) {}
+
+PostResult HttpTransport::post(const QString &url, const QByteArray &message)
+{
+    PostResult result;
+    QNetworkAccessManager manager;
+    if (!m_proxy.isEmpty()) {
+        const QUrl proxyUrl = QUrl::fromUserInput(m_proxy);
+        manager.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, proxyUrl.host(), static_cast<quint16>(proxyUrl.port(8080))));
+    }
+    const QString boundary = newBoundary(message);
+    QNetworkRequest request{QUrl(url)};
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("multipart/form-data; boundary=") + boundary);
+    request.setTransferTimeout(m_timeoutMs);
+    QNetworkReply *reply = manager.post(request, buildMultipart(boundary, message));
+
+    QEventLoop loop;
+    QTimer deadline;
+    deadline.setSingleShot(true);
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&deadline, &QTimer::timeout, &loop, [&] {
+        result.timedOut = true;
+        reply->abort();
+    });
+    deadline.start(m_timeoutMs);
+    if (!reply->isFinished())
+        loop.exec();
+    deadline.stop();
+
+    if (reply->error() == QNetworkReply::OperationCanceledError || reply->error() == QNetworkReply::TimeoutError)
+        result.timedOut = true;
+    if (reply->error() != QNetworkReply::NoError) {
+        result.error = redactPassword(reply->errorString());
+    } else {
+        result.ok = true;
+        result.reply = QString::fromUtf8(reply->readAll());
+    }
+    delete reply;
+    return result;
+}
+
+} // namespace fenlark

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+namespace fenlark {
+
+// The query-string form of a text: digits and ASCII letters stay, every other
+// code unit is cut to its low byte and written "%XX" (upper-case hexadecimal).
+QString urlEncode(const QString &text);
+
+// "http://host[:port]" for a bare Server value; a value that carries its own
+// scheme ("https://host") is kept as it is. No trailing slash.
+QString serverBase(const QString &server);
+
+// The query keys every request carries about the property and the program.
+struct ServerLogin {
+    QString server;       // Server from vmconfig.ini
+    qint32 bbid = 0;
+    QString password;
+    int versionNo = 0;    // the database's VersionNo
+    QString versionText;  // the program's name and version, not yet encoded
+};
+
+// The URL of a normal exchange ("pcsynch"). Password and BBID go as they stand.
+QString synchUrl(const ServerLogin &login, const QString &action);
+// The setup request ("s"), which also says what setup the PC holds.
+QString setupUrl(const ServerLogin &login, const QDateTime &lastUpdated, const QString &synchCounter);
+// The upgrade check.
+QString upgradeUrl(const ServerLogin &login);
+// A URL fit for a log: the password shows as "***".
+QString redactPassword(const QString &url);
+
+// Sixteen random digits that do not occur anywhere in data.
+QString newBoundary(const QByteArray &data);
+// The multipart form that carries one message under the field "mydata".
+QByteArray buildMultipart(const QString &boundary, const QByteArray &data);
+
+// What came back from one post.
+struct PostResult {
+    bool ok = false;       // a reply arrived (it may still be empty)
+    bool timedOut = false;
+    QString reply;         // the reply as text
+    QString error;         // why it failed, for the log
+};
+
+// The wire. The program posts through HttpTransport; tests may put anything that
+// answers in its place.
+class ServerTransport {
+public:
+    virtual ~ServerTransport() = default;
+    // Posts the message as a multipart form and waits for the whole reply.
+    virtual PostResult post(const QString &url, const QByteArray &message) = 0;
+};
+
+// A blocking post on Qt Network that keeps the event loop turning while it waits,
+// so a progress dialog stays alive. A Proxy from the configuration ("host:port")
+// is used when set.
+class HttpTransport : public ServerTransport {
+public:
+    static constexpr int DefaultTimeoutMs = 300 * 1000;
+
+    explicit HttpTransport(int timeoutMs = DefaultTimeoutMs, const QString &proxy = {});
+    PostResult post(const QString &url, const QByteArray &message) override;
+
+private:
+    int m_timeoutMs;
+    QString m_proxy;
+};
+
+} // namespace fenlark
