@@ -97,7 +97,7 @@ QVariant SynchTables::columnValue(const TableColumn &column, const JsonValue &va
             return 0;
         if (column.isReal)
             return 0.0;
-        return QString(QLatin1String(""));
+        return QString("");  // empty, not null: a null QString binds as NULL
     }
     if (value.isObject() || value.isArray())
         throw refuse(QStringLiteral("a structure where a value belongs"));
@@ -118,7 +118,7 @@ QVariant SynchTables::columnValue(const TableColumn &column, const JsonValue &va
     const QString text = value.toText();
     if (text.size() > MaxTextLength)
         throw refuse(QStringLiteral("text too long"));
-    return text;
+    return text.isNull() ? QString("") : text;
 }
 
 } // namespace fenlark

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QAbstractHttpServer>
+
+namespace fenlark::server {
+
+class ReferenceServer;
+
+// The reference server on HTTP: the synchronisation actions under
+// "/moorgate/Synchronisation", the payment-link page, "/download", and admin
+// commands under "/admin/" for callers on this machine. The fault switches of the
+// store act here, on the wire.
+class HttpFront : public QAbstractHttpServer {
+public:
+    explicit HttpFront(ReferenceServer &store, QObject *parent = nullptr);
+    // How long a stalled reply holds the connection before dropping it.
+    void setStallMs(int ms) { m_stallMs = ms; }
+
+protected:
+    bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override;
+    void missingHandler(const QHttpServerRequest &request, QTcpSocket *socket) override;
+
+private:
+    QString synchronisation(const QHttpServerRequest &request, QString &fault);
+    QString admin(const QHttpServerRequest &request, int &status);
+
+    ReferenceServer &m_store;
+    int m_stallMs = 10 * 60 * 1000;
+};
+
+// The message inside a multipart form ("mydata"), or the whole body when it is not one.
+QByteArray multipartData(const QByteArray &contentType, const QByteArray &body);
+
+} // namespace fenlark::server
