@@ -1,0 +1,56 @@
+#include "synch/demoserver.h"
+
+#include "shell/config.h"
+#include "shell/home.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+
+namespace fenlark {
+
+QString demoServerDatabase()
+{
+    return Home::file(QStringLiteral("demo-server.db"));
+}
+
+QString startDemoServer(const QString &deskDatabasePath, QObject *parent, QString *error)
+{
+    const auto failWith = [&](const QString &why) {
+        if (error)
+            *error = why;
+        return QString();
+    };
+    const QString program = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("fenlark-server"));
+    if (!QFileInfo(program).isExecutable())
+        return failWith(QStringLiteral("%1 is not there").arg(program));
+
+    auto *process = new QProcess(parent);
+    process->setProgram(program);
+    process->setArguments({QStringLiteral("serve"), QStringLiteral("--db"), demoServerDatabase(), QStringLiteral("--port"),
+                           QStringLiteral("0"), QStringLiteral("--seed"), deskDatabasePath});
+    process->setProcessChannelMode(QProcess::SeparateChannels);
+    process->start();
+    if (!process->waitForStarted(5000)) {
+        delete process;
+        return failWith(QStringLiteral("fenlark-server did not start"));
+    }
+    // The server says "listening on PORT" once it accepts connections.
+    QByteArray said;
+    while (!said.contains('\n') && process->waitForReadyRead(10000))
+        said += process->readAllStandardOutput();
+    const QByteArray line = said.trimmed();
+    if (!line.startsWith("listening on ")) {
+        const QString why = QString::fromUtf8(process->readAllStandardError()).trimmed();
+        process->kill();
+        process->waitForFinished(2000);
+        delete process;
+        return failWith(QStringLiteral("fenlark-server did not listen: ") + why);
+    }
+    const QString address = QStringLiteral("127.0.0.1:") + QString::fromLatin1(line.mid(13));
+    writeConfig(QStringLiteral("Server"), address);
+    return address;
+}
+
+} // namespace fenlark
