@@ -36,6 +36,7 @@ void ServerUpdateApplier::applyServerUpdates(const JsonArray &updates)
     m_requested.clear();
     m_waiting.clear();
     m_applied = 0;
+    m_pendingRates.clear();
 
     std::vector<bool> done(updates.size(), false);
     bool progress = true;
@@ -71,6 +72,8 @@ void ServerUpdateApplier::applyServerUpdates(const JsonArray &updates)
             }
         }
     }
+    for (const PendingRates &rates : m_pendingRates)
+        applyDailyRates(rates.bookingKey, rates.roomKey, rates.rates);
 }
 
 bool ServerUpdateApplier::applyEntry(JsonObject &entry, const QString &table, const QString &entryKey)
@@ -119,8 +122,9 @@ bool ServerUpdateApplier::applyEntry(JsonObject &entry, const QString &table, co
     if (table == QLatin1String("booking"))
         noteNewBooking(localKey);
     if (table == QLatin1String("guest")) {
-        applyDailyRates(valueOf(values, QStringLiteral("BBBookingID")).toInt(),
-                        valueOf(values, QStringLiteral("BBRoomID")).toInt(), valueOf(values, QStringLiteral("dailyrates")));
+        // After every pass: the booking of this leg may change its dates later in the same reply.
+        m_pendingRates.push_back({valueOf(values, QStringLiteral("BBBookingID")).toInt(),
+                                  valueOf(values, QStringLiteral("BBRoomID")).toInt(), valueOf(values, QStringLiteral("dailyrates"))});
     }
     return true;
 }

@@ -43,6 +43,12 @@ private:
     QSet<QString> m_requested;
     QSet<QString> m_waiting;
     int m_applied = 0;
+    struct PendingRates {
+        qint32 bookingKey;
+        qint32 roomKey;
+        JsonValue rates;
+    };
+    std::vector<PendingRates> m_pendingRates;
 };
 
 } // namespace fenlark

@@ -71,7 +71,7 @@ QString upgradeUrl(const ServerLogin &login)
 
 QString redactPassword(const QString &url)
 {
-    static const QRegularExpression password(QStringLiteral("([?&]p=)[^&]*"));
+    static const QRegularExpression password(QStringLiteral("([?&]p=)[^&\\s]*"));
     QString out = url;
     out.replace(password, QStringLiteral("\\1***"));
     return out;

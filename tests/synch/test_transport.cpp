@@ -1,0 +1,86 @@
+#include "server/httpfront.h"
+#include "synch/transport.h"
+
+#include <QtTest>
+
+using namespace fenlark;
+
+class TestTransport : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void urlEncodeKeepsOnlyDigitsAndLetters_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("encoded");
+        QTest::newRow("version") << "fenlark 1.0.0" << "fenlark%201%2E0%2E0";
+        QTest::newRow("date") << "2026-03-09 17:05:00" << "2026%2D03%2D09%2017%3A05%3A00";
+        QTest::newRow("control") << QString(QChar(9)) << "%09";
+        QTest::newRow("latin1") << QString(QChar(0xE9)) << "%E9";
+        QTest::newRow("non-latin cut to low byte") << QString(QChar(0x263A)) << "%3A";
+        QTest::newRow("letter in high plane keeps its low byte") << QString(QChar(0x0141)) << "A";
+        QTest::newRow("empty") << "" << "";
+    }
+
+    void urlEncodeKeepsOnlyDigitsAndLetters()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, encoded);
+        QCOMPARE(urlEncode(text), encoded);
+    }
+
+    void urlsCarryTheKeysInOrder()
+    {
+        ServerLogin login{QStringLiteral("sync.example:8080"), 12345, QStringLiteral("pw"), 3, QStringLiteral("fenlark 1.0.0")};
+        QCOMPARE(synchUrl(login, QStringLiteral("pcsynch")),
+                 QStringLiteral("http://sync.example:8080/moorgate/Synchronisation?a=pcsynch&bbid=12345&p=pw&version=3"
+                                "&moorgateversion=fenlark%201%2E0%2E0"));
+        QCOMPARE(setupUrl(login, QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)), QStringLiteral("17")),
+                 QStringLiteral("http://sync.example:8080/moorgate/Synchronisation?a=s&bbid=12345&p=pw&version=3"
+                                "&moorgateversion=fenlark%201%2E0%2E0&pclastupdated=2026%2D01%2D02%2003%3A04%3A05&pcsynchcounter=17"));
+        QCOMPARE(upgradeUrl(login), QStringLiteral("http://sync.example:8080/moorgate/Synchronisation?a=upgrade&bbid=12345&p=pw"));
+        login.server = QStringLiteral("https://secure.example/");
+        QVERIFY(synchUrl(login, QStringLiteral("pcsynch")).startsWith(QLatin1String("https://secure.example/moorgate/")));
+    }
+
+    void passwordNeverShowsInALoggedUrl()
+    {
+        QCOMPARE(redactPassword(QStringLiteral("http://h/m?a=s&bbid=1&p=topsecret&version=2")),
+                 QStringLiteral("http://h/m?a=s&bbid=1&p=***&version=2"));
+        QCOMPARE(redactPassword(QStringLiteral("Error transferring http://h/m?p=x - server replied")),
+                 QStringLiteral("Error transferring http://h/m?p=*** - server replied"));
+    }
+
+    void multipartBodyIsExact()
+    {
+        const QByteArray body = buildMultipart(QStringLiteral("1234567890123456"), QByteArray("{\"data\":{}}"));
+        QCOMPARE(body, QByteArray("--1234567890123456\r\n"
+                                  "Content-Disposition: form-data; name=\"mydata\"; filename=\"\"\r\n"
+                                  "Content-Type: application/octet-stream\r\n"
+                                  "\r\n"
+                                  "{\"data\":{}}\r\n"
+                                  "--1234567890123456--\r\n"));
+        QCOMPARE(server::multipartData("multipart/form-data; boundary=1234567890123456", body), QByteArray("{\"data\":{}}"));
+        QCOMPARE(server::multipartData("text/plain", QByteArray("{}")), QByteArray("{}"));
+    }
+
+    void boundaryNeverOccursInTheData()
+    {
+        for (int i = 0; i < 50; ++i) {
+            const QString boundary = newBoundary(QByteArray("0123456789"));
+            QCOMPARE(boundary.size(), 16);
+            QVERIFY(std::all_of(boundary.begin(), boundary.end(), [](QChar c) { return c.isDigit(); }));
+        }
+    }
+
+    void refusedConnectionIsAFailureNotAHang()
+    {
+        HttpTransport transport(2000);
+        const PostResult r = transport.post(QStringLiteral("http://127.0.0.1:1/moorgate/Synchronisation?a=pcsynch&p=pw"), QByteArray("{}"));
+        QVERIFY(!r.ok);
+        QVERIFY(!r.error.contains(QLatin1String("p=pw")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTransport)
+#include "test_transport.moc"
