@@ -214,6 +214,23 @@ const char *const Version1[] = {
         ('NZD', 'New Zealand Dollar'), ('USD', 'US Dollar'), ('ZAR', 'South African Rand'))",
 };
 
+// Version 2: the synchronisation finds rows by their server id on every update
+// and acknowledgement from the server.
+const char *const Version2[] = {
+    "create index booking_serverid on booking (BookingID)",
+    "create index guest_serverid on guest (GuestID)",
+    "create index client_serverid on client (ClientID)",
+    "create index clientextra_serverid on clientextra (ClientExtraID)",
+    "create index clienttran_serverid on clienttran (ClientTranID)",
+    "create index account_serverid on account (AccountID)",
+    "create index event_serverid on event (EventID)",
+    "create index payment_serverid on payment (PaymentID)",
+    "create index invoice_serverid on invoice (InvoiceID)",
+    "create index invoiceitem_serverid on invoiceitem (InvoiceItemID)",
+    "create index extra_serverid on extra (ExtraID)",
+    "create index creditnote_serverid on creditnote (CreditNoteID)",
+};
+
 struct Migration {
     int version;
     const char *const *statements;
@@ -222,6 +239,7 @@ struct Migration {
 
 const Migration Migrations[] = {
     {1, Version1, std::size(Version1)},
+    {2, Version2, std::size(Version2)},
 };
 
 } // namespace
