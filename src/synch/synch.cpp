@@ -98,8 +98,12 @@ bool Synch::synchronise()
         setupOk = setup.initialise();
         m_login.bbid = setup.login().bbid;
         m_login.password = setup.login().password;
-        if (!setupOk)
+        if (!setupOk) {
             m_summary.errors << setup.failure();
+            if (!m_showForm)
+                appendToSynchErr(Home::path(), QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm")) + QStringLiteral(" (")
+                                                   + QString::number(m_login.bbid) + QStringLiteral(")") + setup.failure());
+        }
         else if (!setup.ignored().isEmpty())
             ErrorLog::write(QStringLiteral("Setup download ignored: ") + setup.ignored().join(QStringLiteral(", ")));
     }

@@ -8,6 +8,7 @@
 #include "support/testdatabase.h"
 
 #include <QHostAddress>
+#include <QProcess>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -245,6 +246,34 @@ private Q_SLOTS:
         QCOMPARE(rig.count(QStringLiteral("dailyrate")), 4);
         if (!firstRunSucceeds)
             QVERIFY(QFile::exists(rig.t.file(QStringLiteral("synch.err"))));
+    }
+
+    void killedMidSynchronisationLosesNothing()
+    {
+        const QString ctl = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../fenlarkctl"));
+        if (!QFileInfo(ctl).isExecutable())
+            QSKIP("fenlarkctl is not built beside the tests");
+        Rig rig;
+        rig.insertBooking(QDate(2026, 12, 1), 2, 90.0);
+        QFile ini(rig.t.file(QStringLiteral("vmconfig.ini")));
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write(QStringLiteral("[Param]\nServer=127.0.0.1:%1\n").arg(rig.port).toUtf8());
+        ini.close();
+        rig.store->setFault(QStringLiteral("stall"), 1); // the server takes the message and never answers
+
+        QProcess child;
+        child.start(ctl, {QStringLiteral("synch"), QStringLiteral("--home"), rig.t.home(), QStringLiteral("--db"), rig.db().path()});
+        QVERIFY(child.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(rig.store->rowCount(Bbid, QStringLiteral("guest")) == 1, 10000);
+        child.kill();
+        child.waitForFinished();
+
+        QCOMPARE(ChangeLog::count(rig.db()), 4); // nothing was cleared without a receipt
+        QCOMPARE(rig.count(QStringLiteral("synchlock")), 1);
+        // The dead PC's lock runs out after five minutes.
+        rig.db().execute(QStringLiteral("update synchlock set locktime = ?"), {sqlDateTime(QDateTime::currentDateTime().addSecs(-301))});
+        QVERIFY(rig.run());
+        rig.verifyInStep();
     }
 
     void wrongPasswordFailsTheRunAndChangesNothing()

@@ -5,6 +5,8 @@
 #include "synch/setupdownload.h"
 #include "synch/synch.h"
 #include "synch/synchlock.h"
+#include "synch/synchrun.h"
+#include "shell/config.h"
 
 #include "support/testdatabase.h"
 
@@ -281,6 +283,40 @@ private Q_SLOTS:
         QCOMPARE(updates[0][QStringLiteral("dblogid")].toText(), QStringLiteral("0"));
         QVERIFY(!updates[0].object()->contains(QStringLiteral("bbtableid")));
         QVERIFY(synch.summary().errors.last().endsWith(QLatin1String("client / ID: 4242")));
+    }
+
+    void autoSynchWaitsForChangesAndPausesAfterAFailure()
+    {
+        TestDatabase t;
+        const QDateTime now = QDateTime::currentDateTime();
+        QVERIFY(!AutoSynch::isDue(t.db(), now)); // nothing waiting
+        QCOMPARE(readConfig(QStringLiteral("AutoSynch"), QString()), QStringLiteral("Y"));
+        addClient(t.db(), QStringLiteral("Due"));
+        QVERIFY(AutoSynch::isDue(t.db(), now));
+        AutoSynch::noteResult(false, now);
+        QVERIFY(!AutoSynch::isDue(t.db(), now.addSecs(299)));
+        QVERIFY(AutoSynch::isDue(t.db(), now.addSecs(300)));
+        AutoSynch::noteResult(true, now);
+        writeConfig(QStringLiteral("LastSynch"), now.addSecs(-60).toString(Qt::ISODate));
+        QVERIFY(!AutoSynch::isDue(t.db(), now));
+        writeConfig(QStringLiteral("LastSynch"), QString());
+        writeConfig(QStringLiteral("AutoSynch"), QStringLiteral("N"));
+        QVERIFY(!AutoSynch::isDue(t.db(), now));
+    }
+
+    void newBookingNoticeNamesClientArrivalAndRooms()
+    {
+        TestDatabase t;
+        QCOMPARE(newBookingText(t.db()), QString());
+        ServerUpdateApplier applier(t.db());
+        applier.applyServerUpdates(updatesOf(OnlineReply));
+        t.db().execute(QStringLiteral("insert into room (BBRoomID, RoomName) values (2, 'Otter')"));
+        QCOMPARE(newBookingText(t.db()), QStringLiteral("Client Name: Ngata\r\nArriving: 10/01/2027\r\nAllocated to: Otter\r\n\r\n"));
+        for (int i = 0; i < 20; ++i)
+            t.db().execute(QStringLiteral("insert into newbooking values (?)"), {100 + i});
+        QVERIFY(newBookingText(t.db()).endsWith(QLatin1String("Only first 20 bookings are shown.")));
+        clearNewBookings(t.db());
+        QCOMPARE(newBookingText(t.db()), QString());
     }
 
     void lockExpiresAfterFiveMinutes()

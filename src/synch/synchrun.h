@@ -1,0 +1,46 @@
+#pragma once
+
+#include "synch/setupdownload.h"
+#include "synch/synch.h"
+
+#include <QDateTime>
+
+namespace fenlark {
+
+class Database;
+
+// When the main window's 10-second tick may start a silent synchronisation.
+class AutoSynch {
+public:
+    static constexpr int PauseSeconds = 5 * 60;
+
+    // True when AutoSynch is "Y" (an empty key is written as "Y" first), LastSynch
+    // (default: five days ago) lies at least five minutes back, dblog has rows, no run
+    // of this process is under way, and no automatic run failed in the last five minutes.
+    static bool isDue(Database &db, const QDateTime &now = QDateTime::currentDateTime());
+    // Tells the gate how an automatic run ended; a failure pauses automatic runs.
+    static void noteResult(bool success, const QDateTime &now = QDateTime::currentDateTime());
+};
+
+// One synchronisation as the desk runs it: login and setup state from bbsetup,
+// Server, Proxy and LogLimit from vmconfig.ini. A manual run reports through the
+// observer and message boxes; an automatic one writes synch.err and feeds the
+// AutoSynch gate.
+bool runSynch(Database &db, bool isManual, SynchObserver *observer = nullptr, SynchSummary *summary = nullptr,
+              SetupDownload::LoginRetry loginRetry = {});
+
+// The start-up's setup check: the setup download with message boxes and the log-on
+// retry. The result says whether the program may go on.
+struct SetupCheck {
+    bool ok = false;
+    bool loginRefused = false; // the user gave up at the log-on: the program ends
+};
+SetupCheck checkSetupAtStartup(Database &db, SetupDownload::LoginRetry loginRetry);
+
+// The text of the new-bookings notice: up to 20 bookings that arrived from the
+// server, with the client, the arrival and the rooms; empty when none arrived.
+QString newBookingText(Database &db);
+// After every successful run the notice's list starts again.
+void clearNewBookings(Database &db);
+
+} // namespace fenlark
