@@ -3,6 +3,7 @@
 
 #include "support/testdatabase.h"
 
+#include <QRandomGenerator>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -98,6 +99,20 @@ private Q_SLOTS:
             const JsonValue v = json::parse(text.left(cut));
             if (cut == 0)
                 QVERIFY(v.isNothing());
+        }
+    }
+
+    void survivesRandomGarbage()
+    {
+        const QString alphabet = QStringLiteral("{}[]()\"':,/*\\ \n\tabefnlrstu0123456789.+-eE\u00e9");
+        QRandomGenerator random(7);
+        for (int round = 0; round < 3000; ++round) {
+            QString text;
+            const int length = random.bounded(60);
+            for (int i = 0; i < length; ++i)
+                text += alphabet[random.bounded(alphabet.size())];
+            const JsonValue v = json::parse(text);
+            json::toString(v);
         }
     }
 
