@@ -1,4 +1,5 @@
 #include "server/httpfront.h"
+#include "synch/emergencysynch.h"
 #include "synch/transport.h"
 
 #include <QtTest>
@@ -71,6 +72,15 @@ private Q_SLOTS:
             QCOMPARE(boundary.size(), 16);
             QVERIFY(std::all_of(boundary.begin(), boundary.end(), [](QChar c) { return c.isDigit(); }));
         }
+    }
+
+    void emergencyCodeIsExact()
+    {
+        QVERIFY(emergencyAccessGranted(QStringLiteral("sparrow")));
+        QVERIFY(!emergencyAccessGranted(QStringLiteral("Sparrow")));
+        QVERIFY(!emergencyAccessGranted(QStringLiteral("sparro")));
+        QVERIFY(!emergencyAccessGranted(QStringLiteral("sparrows")));
+        QVERIFY(!emergencyAccessGranted(QString()));
     }
 
     void refusedConnectionIsAFailureNotAHang()

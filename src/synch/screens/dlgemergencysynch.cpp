@@ -1,0 +1,62 @@
+#include "synch/screens/dlgemergencysynch.h"
+
+#include "shell/changelog.h"
+#include "shell/messages.h"
+#include "shell/strings.h"
+#include "synch/emergencysynch.h"
+#include "synch/screens/dlgsynch.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace fenlark {
+
+DlgEmergencySynch::DlgEmergencySynch(QWidget *parent) : QDialog(parent), m_txtCode(new QLineEdit(this))
+{
+    setObjectName(QStringLiteral("dlgEmergencySynch"));
+    setWindowTitle(getString(6024, QStringLiteral("Emergency Synch")));
+    m_txtCode->setObjectName(QStringLiteral("txtCode"));
+    m_txtCode->setEchoMode(QLineEdit::Password);
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *ok = buttons->addButton(getString(6030, QStringLiteral("OK")), QDialogButtonBox::AcceptRole);
+    ok->setObjectName(QStringLiteral("cmdOK"));
+    QPushButton *cancel = buttons->addButton(getString(6031, QStringLiteral("Cancel")), QDialogButtonBox::RejectRole);
+    cancel->setObjectName(QStringLiteral("cmdCancel"));
+    connect(ok, &QPushButton::clicked, this, &DlgEmergencySynch::onOk);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel(getString(6029, QStringLiteral("Access code:")), this));
+    layout->addWidget(m_txtCode);
+    layout->addWidget(buttons);
+}
+
+void DlgEmergencySynch::onOk()
+{
+    if (!emergencyAccessGranted(m_txtCode->text())) {
+        messages::critical(getString(6025, QStringLiteral("Incorrect password.")), getString(6026, QStringLiteral("Incorrect password")));
+        return;
+    }
+    m_good = true;
+    accept();
+}
+
+bool synchEntireDatabase(Database &db, QWidget *parent)
+{
+    DlgEmergencySynch dialog(parent);
+    dialog.exec();
+    if (!dialog.goodPassword())
+        return false;
+    if (!messages::question(getString(6027, QStringLiteral("Are you sure you want to synchronise your entire database?")),
+                            getString(6028, QStringLiteral("Synchronise entire database?"))))
+        return false;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    ChangeLog::markAllChanged(db);
+    QApplication::restoreOverrideCursor();
+    return synchManually(db, parent);
+}
+
+} // namespace fenlark
