@@ -1,7 +1,25 @@
+#include "shell/home.h"
+#include "shell/screens/deskstartuphost.h"
+#include "shell/screens/dialogmessagesink.h"
+#include "shell/startup.h"
+
 #include <QApplication>
+
+using namespace fenlark;
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    return 0;
+    QStringList args = app.arguments().mid(1);
+    Home::setPath(Home::resolve(Home::takeHomeArgument(args)));
+
+    DialogMessageSink sink;
+    messages::setSink(&sink);
+
+    DeskStartupHost host;
+    Startup startup(host);
+    if (startup.run() != Startup::Running)
+        return 0;
+    host.createMainWindow(startup.takeSession());
+    return app.exec();
 }

@@ -1,0 +1,26 @@
+#include "shell/session.h"
+
+namespace fenlark {
+
+Session::Session(std::unique_ptr<Database> db, int dbNumber)
+    : m_db(std::move(db))
+    , m_dbNumber(dbNumber)
+{
+    refreshBBSetup();
+}
+
+void Session::refreshBBSetup()
+{
+    m_setup = BBSetup();
+    m_setup.fetch(*m_db);
+}
+
+std::unique_ptr<Database> Session::replaceDatabase(std::unique_ptr<Database> db, int dbNumber)
+{
+    std::swap(m_db, db);
+    m_dbNumber = dbNumber;
+    refreshBBSetup();
+    return db;
+}
+
+} // namespace fenlark
