@@ -1,3 +1,4 @@
+#include "shell/demo.h"
 #include "shell/home.h"
 #include "shell/screens/deskstartuphost.h"
 #include "shell/screens/dialogmessagesink.h"
@@ -11,10 +12,14 @@ int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     QStringList args = app.arguments().mid(1);
-    Home::setPath(Home::resolve(Home::takeHomeArgument(args)));
+    const QString home = Home::takeHomeArgument(args);
+    const bool demo = args.contains(QStringLiteral("--demo"));
+    Home::setPath(demo ? Demo::homeFolder(home) : Home::resolve(home));
 
     DialogMessageSink sink;
     messages::setSink(&sink);
+    if (demo)
+        Demo::prepare();
 
     DeskStartupHost host;
     Startup startup(host);
