@@ -1,5 +1,6 @@
 #include "shell/changelog.h"
 #include "shell/config.h"
+#include "shell/databasechoice.h"
 #include "shell/home.h"
 #include "shell/startup.h"
 #include "shell/ticker.h"
@@ -202,6 +203,38 @@ private Q_SLOTS:
         QCOMPARE(second.run(), Startup::AlreadyRunning);
         QCOMPARE(sink.shown.value(0).title, QString("veldmoor application already open"));
         QVERIFY(two.calls.isEmpty());
+    }
+
+    void choosingADatabaseRevertsWhenAGateFails()
+    {
+        writeConfig("Database1", "{Main}" + m_home->filePath("main.db"));
+        writeConfig("Database2", "{Beach}" + m_home->filePath("beach.db"));
+        FakeHost host;
+        Startup startup(host);
+        QCOMPARE(startup.run(), Startup::Running);
+        auto session = startup.takeSession();
+        QCOMPARE(DatabaseChoice::names(), QStringList({"Main", "Beach"}));
+        QCOMPARE(DatabaseChoice::change(*session, 1, host), DatabaseChoice::Unchanged);
+
+        host.loginAnswer = false; // the new database has no property and the log-on is cancelled
+        QCOMPARE(DatabaseChoice::change(*session, 2, host), DatabaseChoice::Reverted);
+        QCOMPARE(session->dbNumber(), 1);
+        QCOMPARE(session->db().path(), m_home->filePath("main.db"));
+        QCOMPARE(session->BBID(), qint16(12345));
+
+        RecordingSink sink;
+        host.loginAnswer = true;
+        host.calls.clear();
+        QCOMPARE(DatabaseChoice::change(*session, 2, host), DatabaseChoice::Changed);
+        QCOMPARE(host.calls, QStringList({"login", "setup", "user", "initialise"}));
+        QCOMPARE(session->dbNumber(), 2);
+        QVERIFY(QFile::exists(m_home->filePath("vmbackup/DB2-1.db")));
+        QCOMPARE(sink.shown.value(0).text, QString("Database changed to Beach"));
+        QCOMPARE(sink.shown.value(0).title, QString("New Database - Beach"));
+
+        host.passwordAnswer = false;
+        QCOMPARE(DatabaseChoice::change(*session, 1, host), DatabaseChoice::Reverted);
+        QCOMPARE(session->dbNumber(), 2);
     }
 
     void tickRules()
