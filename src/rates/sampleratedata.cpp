@@ -155,8 +155,10 @@ void writeChildBands(Database &db)
 // Blank settings of a room type get believable values; what the property set stays.
 RoomType completed(RoomType type, std::mt19937 &random)
 {
+    // The same draws whatever is blank, so that writing again gives the same data.
+    const unsigned schemeDraw = random(), childDraw = random(), amountDraw = random();
     if (type.RateScheme.isEmpty())
-        type.RateScheme = random() % 5 == 4 ? QStringLiteral("2") : QStringLiteral("1");
+        type.RateScheme = schemeDraw % 5 == 4 ? QStringLiteral("2") : QStringLiteral("1");
     if (type.MaxAdults <= 0)
         type.MaxAdults = 2;
     if (type.MaxOccupancy <= 0)
@@ -170,12 +172,12 @@ RoomType completed(RoomType type, std::mt19937 &random)
     if (type.AppliesTo.isEmpty())
         type.AppliesTo = QStringLiteral("----XX-");   // Friday and Saturday nights
     if (type.ChildFlag1.isEmpty()) {
-        type.ChildFlag1 = random() % 3 == 0 ? QStringLiteral("F") : QStringLiteral("P");
+        type.ChildFlag1 = childDraw % 3 == 0 ? QStringLiteral("F") : QStringLiteral("P");
         type.ChildRate1 = type.ChildFlag1 == QLatin1String("F") ? 0 : 50;
     }
     if (type.ChildFlag2.isEmpty()) {
         type.ChildFlag2 = QStringLiteral("R");
-        type.ChildRate2 = 200 + 25 * (random() % 5);
+        type.ChildRate2 = 200 + 25 * (amountDraw % 5);
     }
     return type;
 }
