@@ -3,6 +3,8 @@
 #include "shell/database.h"
 #include "shell/setuprecords.h"
 
+#include <QSqlQuery>
+
 namespace fenlark {
 
 RateDataError::RateDataError(const QString &message)
@@ -31,9 +33,7 @@ RateData RateData::load(Database &db)
         data.addRoomType(type);
     for (const Room &room : Room::list(db))
         data.addRoom(room);
-    // Table order decides which of two overlapping rows of one type wins.
-    for (const Rates &row : Rates::select(db, QStringLiteral("select * from rates order by rowid"), {}))
-        data.addPeriod(row);
+    data.loadPeriods(db);
     for (const RateCode &code : RateCode::list(db, QStringLiteral("BBRateID")))
         data.addRateCode(code);
     for (const RTMealPlan &plan : RTMealPlan::list(db, QStringLiteral("BBMealPlanRC")))
@@ -47,6 +47,26 @@ RateData RateData::load(Database &db)
     for (const RatesLongStay &row : RatesLongStay::list(db, QStringLiteral("BBLSID")))
         data.addLongStay(row);
     return data;
+}
+
+void RateData::loadPeriods(Database &db)
+{
+    // The largest table, read by position rather than through a record per row.
+    // Table order decides which of two overlapping rows of one type wins.
+    static const QStringList names = [] {
+        QStringList list;
+        for (const Column<Rates> &c : Rates::columns())
+            list << QString::fromLatin1(c.name);
+        return list;
+    }();
+    QSqlQuery q = db.query(QStringLiteral("select %1 from rates order by rowid").arg(names.join(QStringLiteral(", "))));
+    const std::vector<Column<Rates>> &columns = Rates::columns();
+    while (q.next()) {
+        Rates row;
+        for (int i = 0; i < static_cast<int>(columns.size()); ++i)
+            recorddetail::fromSql(row, columns[static_cast<std::size_t>(i)], q.value(i));
+        addPeriod(row);
+    }
 }
 
 void RateData::addRoomType(const RoomType &type)

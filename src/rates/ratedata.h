@@ -86,6 +86,7 @@ public:
     void addLongStay(const RatesLongStay &row);
 
 private:
+    void loadPeriods(Database &db);
     static quint64 pairKey(qint32 a, qint32 b) { return (quint64(quint32(a)) << 32) | quint32(b); }
 
     QHash<qint32, RoomTypeRates> m_roomTypes;
