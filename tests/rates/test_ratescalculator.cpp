@@ -367,8 +367,15 @@ private Q_SLOTS:
         // A row whose numbers are all null.
         t.db().execute("insert into rates (BBRTID, BBMealPlanID, BBRateSheetID, RateType, StartDate, EndDate) "
                        "values (1, 1, 3, '1', '2025-01-01', '2025-12-31')");
+        // Rows no stay can select: an unknown rate type, a period without dates.
+        t.db().execute("insert into rates (BBRTID, BBMealPlanID, BBRateSheetID, RateType, StartDate, EndDate, Pax2) "
+                       "values (1, 1, 0, '3', '2025-01-01', '2025-12-31', 999), (1, 1, 0, '2', null, null, 999)");
+        // A long-stay row of nulls alone: no tier qualifies.
+        t.db().execute("insert into rateslongstay (BBLSID, BBRateSheetID, StartDate, EndDate, BBRTID, Duration1, Discount1) "
+                       "values (9, 0, '2025-01-01', '2025-12-31', 0, null, null)");
         const RateData data = RateData::load(t.db());
 
+        QCOMPARE(nights(data, 2, Monday, Monday.addDays(8), 2).first(), 160.0);
         QCOMPARE(nights(data, 0, Monday, Monday.addDays(2), 2), (QList<double>{0, 0}));
         QCOMPARE(nights(data, 999, Monday, Monday.addDays(2), 2), (QList<double>{0, 0}));
         QCOMPARE(nights(data, 20, Monday, Monday.addDays(9), 2), QList<double>(9, 0));
