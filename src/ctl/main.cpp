@@ -14,7 +14,7 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs()})
+    for (const auto *group : {&shellVerbs(), &recordsVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
