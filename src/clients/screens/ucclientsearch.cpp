@@ -75,7 +75,10 @@ ucClientSearch::ucClientSearch(QWidget *parent)
     layout->addWidget(cmdDeselect, 0, Qt::AlignLeft);
 
     for (QLineEdit *box : {txtFirstName, txtSurname, txtCompany, txtbbclientid})
-        connect(box, &QLineEdit::textChanged, this, [this] { search(); });
+        connect(box, &QLineEdit::textChanged, this, [this, box] {
+            search();
+            box->setFocus();
+        });
     connect(gdClient->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex &current) { rowChanged(current); });
     connect(gdClient, &QTableView::clicked, this, [this](const QModelIndex &index) { clicked(index); });
@@ -137,7 +140,6 @@ void ucClientSearch::search()
 {
     m_madeBy = 0;
     m_shortName.clear();
-    QWidget *typing = focusWidget();
     ClientSearchCriteria criteria{txtFirstName->text(), txtSurname->text(), txtCompany->text(), txtbbclientid->text()};
     gdClient->setUpdatesEnabled(false);
     if (criteria.isEmpty() || !m_db) {
@@ -155,8 +157,6 @@ void ucClientSearch::search()
     gdClient->setUpdatesEnabled(true);
     if (m_singleClickMode)
         cmdDeselect->setEnabled(false);
-    if (typing)
-        typing->setFocus();
 }
 
 void ucClientSearch::takeRow(int row)
