@@ -36,17 +36,24 @@ struct ClientSearchRow {
     QString shortName() const;
 };
 
-// The query of a search: names are prefixes (typed "%" and "_" stay wildcards,
-// quotes are plain characters), compared without regard to case, combined with
-// "and"; the id box must match the key exactly; retired clients never show;
-// newest first. Empty sql means the search finds nothing without asking the
-// database (all boxes empty, or an id box that is not a 32-bit number).
+// The query of a search, giving the keys of the clients found: names are
+// prefixes (typed "%" and "_" stay wildcards, quotes are plain characters),
+// compared without regard to case, combined with "and"; the id box must match
+// the key exactly; retired clients never show; newest first. Empty sql means the
+// search finds nothing without asking the database (all boxes empty, or an id
+// box that is not a 32-bit number).
 struct ClientSearchStatement {
     QString sql;
     QVariantList values;
 };
 ClientSearchStatement clientSearchStatement(const ClientSearchCriteria &criteria);
 
+// The keys found, newest first. The name indexes cover this query, so even a
+// one-letter search over a large table reads no client rows.
+std::vector<qint32> searchClientIds(Database &db, const ClientSearchCriteria &criteria);
+// The rows of those clients, in the order of the keys given (missing ones left out).
+std::vector<ClientSearchRow> fetchClientRows(Database &db, const std::vector<qint32> &ids);
+// Keys and rows together.
 std::vector<ClientSearchRow> searchClients(Database &db, const ClientSearchCriteria &criteria);
 
 // A typed name with its first letter in upper case and the rest as typed, so a

@@ -1,5 +1,6 @@
 #include "clients/clientsearchmodel.h"
 
+#include "shell/database.h"
 #include "shell/strings.h"
 
 namespace fenlark {
@@ -11,22 +12,54 @@ ClientSearchModel::ClientSearchModel(QObject *parent)
 
 void ClientSearchModel::search(Database &db, const ClientSearchCriteria &criteria)
 {
-    std::vector<ClientSearchRow> rows = searchClients(db, criteria);
+    std::vector<qint32> ids = searchClientIds(db, criteria);
     beginResetModel();
-    m_rows = std::move(rows);
+    m_db = &db;
+    m_ids = std::move(ids);
+    m_rows.assign(m_ids.size(), std::nullopt);
     endResetModel();
 }
 
 void ClientSearchModel::clear()
 {
     beginResetModel();
+    m_ids.clear();
     m_rows.clear();
     endResetModel();
 }
 
+const ClientSearchRow &ClientSearchModel::client(int row) const
+{
+    const auto at = static_cast<std::size_t>(row);
+    if (!m_rows.at(at)) {
+        const std::size_t first = at - at % PageSize;
+        const std::size_t last = std::min(first + PageSize, m_ids.size());
+        const std::vector<qint32> page(m_ids.begin() + static_cast<std::ptrdiff_t>(first),
+                                       m_ids.begin() + static_cast<std::ptrdiff_t>(last));
+        std::vector<ClientSearchRow> rows;
+        try {
+            rows = fetchClientRows(*m_db, page);
+        } catch (const DatabaseError &) {
+            // Drawing must go on; the rows stay blank and the next search tries again.
+        }
+        std::size_t next = 0;
+        for (std::size_t i = first; i < last; ++i) {
+            // A client deleted since the search keeps its key and shows no text.
+            if (next < rows.size() && rows[next].BBClientID == m_ids[i]) {
+                m_rows[i] = std::move(rows[next++]);
+            } else {
+                ClientSearchRow gone;
+                gone.BBClientID = m_ids[i];
+                m_rows[i] = gone;
+            }
+        }
+    }
+    return *m_rows[at];
+}
+
 int ClientSearchModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_ids.size());
 }
 
 int ClientSearchModel::columnCount(const QModelIndex &parent) const
