@@ -80,6 +80,13 @@ bool Guest::fetchLeg(Database &db, qint32 bookingId, qint32 roomId)
     return true;
 }
 
+bool Guest::legExists(Database &db, qint32 bookingId, qint32 roomId, qint32 exceptGuestId)
+{
+    return db.scalar(QStringLiteral("select bbguestid from guest where bbbookingid = ? and bbroomid = ? and bbguestid <> ?"),
+                     {bookingId, roomId, exceptGuestId})
+        .isValid();
+}
+
 std::vector<Guest> Guest::legsOf(Database &db, qint32 bookingId)
 {
     std::vector<Guest> legs;

@@ -70,6 +70,10 @@ public:
 
     // Reads the leg of that room of that booking; false when it has none.
     bool fetchLeg(Database &db, qint32 bookingId, qint32 roomId);
+    // Whether the booking already has a leg in that room other than exceptGuestId:
+    // a writer that adds or moves a leg asks this first, as a booking holds at
+    // most one leg per room.
+    static bool legExists(Database &db, qint32 bookingId, qint32 roomId, qint32 exceptGuestId = 0);
     // The legs of a booking, in the order they were made.
     static std::vector<Guest> legsOf(Database &db, qint32 bookingId);
 };

@@ -350,6 +350,10 @@ private Q_SLOTS:
         QCOMPARE(leg.BBGuestID, stay.legs[1].BBGuestID);
         QVERIFY(!leg.fetchLeg(t.db(), stay.booking.BBBookingID, 5));
         QVERIFY(!leg.fetchLeg(t.db(), stay.booking.BBBookingID + 1, 3));
+        QVERIFY(Guest::legExists(t.db(), stay.booking.BBBookingID, 4));
+        QVERIFY(!Guest::legExists(t.db(), stay.booking.BBBookingID, 4, stay.legs[1].BBGuestID));
+        QVERIFY(Guest::legExists(t.db(), stay.booking.BBBookingID, 3, stay.legs[1].BBGuestID));
+        QVERIFY(!Guest::legExists(t.db(), stay.booking.BBBookingID, 5));
         const auto legs = Guest::legsOf(t.db(), stay.booking.BBBookingID);
         QCOMPARE(legs.size(), std::size_t(2));
         QCOMPARE(legs[0].BBRoomID, 3);
