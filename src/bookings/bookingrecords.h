@@ -2,7 +2,6 @@
 
 #include "shell/record.h"
 
-#include <optional>
 
 namespace fenlark {
 
