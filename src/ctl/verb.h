@@ -20,6 +20,7 @@ struct Verb {
 // The verbs of each subsystem; main() lists them all.
 const std::vector<Verb> &shellVerbs();
 const std::vector<Verb> &ratesVerbs();
+const std::vector<Verb> &recordsVerbs();
 
 // The database named by --db, else the configured database of the home folder.
 // Prints the reason and returns null when it cannot be opened.

@@ -214,6 +214,17 @@ const char *const Version1[] = {
         ('NZD', 'New Zealand Dollar'), ('USD', 'US Dollar'), ('ZAR', 'South African Rand'))",
 };
 
+// Version 2: the client search reads only keys from the name indexes, so each
+// name index also carries Active and the search never visits the table rows.
+const char *const Version2[] = {
+    "drop index client_surname",
+    "drop index client_firstname",
+    "drop index client_company",
+    "create index client_surname on client (Surname collate nocase, Active)",
+    "create index client_firstname on client (FirstName collate nocase, Active)",
+    "create index client_company on client (Company collate nocase, Active)",
+};
+
 struct Migration {
     int version;
     const char *const *statements;
@@ -222,6 +233,7 @@ struct Migration {
 
 const Migration Migrations[] = {
     {1, Version1, std::size(Version1)},
+    {2, Version2, std::size(Version2)},
 };
 
 } // namespace
