@@ -3,7 +3,10 @@
 #include "accounts/accountrecords.h"
 #include "bookings/bookingrecords.h"
 #include "clients/clientrecords.h"
+#include "rates/ratedata.h"
 #include "rates/raterecords.h"
+#include "rates/ratescalculator.h"
+#include "rates/roomrates.h"
 #include "rates/sampleratedata.h"
 #include "shell/database.h"
 #include "shell/money.h"
@@ -49,43 +52,6 @@ const T &pick(QRandomGenerator &random, const T (&list)[N])
 {
     return list[random.bounded(static_cast<quint32>(N))];
 }
-
-// The night's price from the sample rate sheet: the season row holding the
-// night, by the number of adults, weekend columns on Friday and Saturday nights.
-class SheetPricer {
-public:
-    explicit SheetPricer(Database &db)
-    {
-        for (const Rates &r : Rates::list(db))
-            m_rates.push_back(r);
-        for (const Room &room : Room::list(db))
-            m_roomType[room.BBRoomID] = room.BBRTID;
-    }
-
-    double price(qint32 room, const QDate &night, int adults) const
-    {
-        const qint32 type = m_roomType.count(room) ? m_roomType.at(room) : 0;
-        const bool weekend = night.dayOfWeek() >= 5 && night.dayOfWeek() <= 6;
-        const Rates *chosen = nullptr;
-        for (const Rates &r : m_rates) {
-            if (r.BBRTID != type || night < r.StartDate || night > r.EndDate)
-                continue;
-            if (!chosen || r.RateType == QLatin1String("2"))
-                chosen = &r;
-        }
-        if (!chosen)
-            return 0;
-        const double day[] = {chosen->Pax1, chosen->Pax2, chosen->Pax3, chosen->Pax4, chosen->Pax5};
-        const double end[] = {chosen->WPax1, chosen->WPax2, chosen->WPax3, chosen->WPax4, chosen->WPax5};
-        const int at = std::clamp(adults, 1, 5) - 1;
-        const double value = weekend && end[at] > 0 ? end[at] : day[at];
-        return roundMoney(value);
-    }
-
-private:
-    std::vector<Rates> m_rates;
-    std::map<qint32, qint32> m_roomType;
-};
 
 } // namespace
 
@@ -206,8 +172,7 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
         ++counts.rooms;
     }
     SampleRateData::write(db, m_options.seed);
-    const qint32 rackRate = db.scalar(QStringLiteral("select BBRateID from ratecode where Source = 'R' order by BBRateID")).toInt();
-    const SheetPricer pricer(db);
+    const RateData rateData = RateData::load(db);
 
     if (m_options.withUsers) {
         db.execute(QStringLiteral("insert into vmgroup (GroupID, GroupName, CancelBooking, CancelRoom, RunReports, ExtrasDelete, PaymentsDelete) "
@@ -316,7 +281,7 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
         booking.ToDate = departure;
         booking.Status = status;
         booking.MadeBy = client;
-        booking.BBRateSheetID = 1;
+        booking.BBRateSheetID = 0; // the rack sheet
         booking.BBAccountID = unavailable ? 0 : account.BBAccountID;
         booking.Source = random.bounded(3u) == 0 ? QStringLiteral("Website") : QStringLiteral("Telephone");
         booking.ReservedUntil = (status == QLatin1String("P") || status == QLatin1String("R"))
@@ -334,7 +299,10 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
             guest.BBRoomID = r;
             guest.BBClientID = client;
             guest.NoAdults = unavailable ? 0 : static_cast<qint16>(1 + random.bounded(static_cast<quint32>(maxAdults[r])));
-            guest.BBRateID = unavailable ? 0 : rackRate;
+            const std::vector<qint32> offered = getRoomRates(rateData, arrival, departure, r);
+            guest.BBRateID = unavailable || offered.empty() ? 0 : offered.front();
+            if (!unavailable && random.bounded(6u) == 0)
+                guest.Child1 = 1;
             if (departure <= today)
                 guest.CheckInOut = QStringLiteral("K");
             else if (arrival <= today)
@@ -343,12 +311,14 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
             ++counts.legs;
             if (unavailable)
                 continue;
+            const StayPrice price = priceStay(rateData, {r, guest.BBRateID, booking.BBRateSheetID, arrival, departure,
+                                                         guest.NoAdults, guest.Child1, guest.Child2});
             for (QDate night = arrival; night < departure; night = night.addDays(1)) {
                 DailyRate rate;
                 rate.CalDate = night;
                 rate.BBBookingID = booking.BBBookingID;
                 rate.BBRoomID = r;
-                rate.RoomRate = pricer.price(r, night, guest.NoAdults);
+                rate.RoomRate = price.nights.value(night);
                 rate.update(db);
                 total += rate.RoomRate;
                 ++counts.nights;

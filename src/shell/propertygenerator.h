@@ -3,7 +3,6 @@
 #include <QDate>
 #include <QString>
 
-#include <functional>
 
 namespace fenlark {
 
@@ -34,10 +33,6 @@ public:
         int legs = 0;
         int nights = 0;
     };
-
-    // The price of one night of a leg: room, rate code, arrival, departure, night, adults.
-    using NightPricer = std::function<double(qint32 room, qint32 rate, const QDate &from, const QDate &to,
-                                             const QDate &night, int adults)>;
 
     explicit PropertyGenerator(Options options);
     Counts generate(Database &db);
