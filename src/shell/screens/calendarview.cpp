@@ -227,7 +227,9 @@ void CalendarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
         QFont font = option.font;
         font.setPointSizeF(option.font.pointSizeF() * 0.9);
         painter->setFont(font);
-        painter->setPen(Qt::black);
+        // Dark status colours (an outstanding account) take light text.
+        const bool dark = 0.299 * back.red() + 0.587 * back.green() + 0.114 * back.blue() < 140;
+        painter->setPen(dark ? Qt::white : Qt::black);
         painter->drawText(option.rect.adjusted(1, 1, -1, -1), Qt::AlignCenter, text);
     }
     painter->restore();
