@@ -150,7 +150,12 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, QWidget *parent)
     m_timer->start();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    // The grid reads the session while it is taken down; it goes first.
+    delete takeCentralWidget();
+    delete m_model;
+}
 
 QPushButton *MainWindow::button(const QString &objectName) const
 {
