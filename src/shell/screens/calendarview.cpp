@@ -171,7 +171,7 @@ void CalendarHeader::paintSection(QPainter *painter, const QRect &rect, int logi
     painter->save();
     const int band = bandHeight();
     QFont font = m->headerData(logicalIndex, Qt::Horizontal, Qt::FontRole).value<QFont>();
-    font.setPointSizeF(this->font().pointSizeF());
+    font.setPointSizeF(this->font().pointSizeF() * 0.9);
     painter->setFont(font);
     const QColor text = m->headerData(logicalIndex, Qt::Horizontal, Qt::ForegroundRole).value<QColor>();
     for (int b = 0; b < 3; ++b) {
@@ -267,18 +267,23 @@ void CalendarView::fitColumns()
     if (!model())
         return;
     const int columns = model()->columnCount();
-    if (columns <= 0)
-        return;
-    const int width = viewport()->width();
-    const int each = width / columns;
-    int extra = width - each * columns;
-    for (int c = 0; c < columns; ++c)
-        setColumnWidth(c, each + (extra-- > 0 ? 1 : 0));
+    const int rows = model()->rowCount();
+    if (columns > 0) {
+        const int width = viewport()->width();
+        const int each = width / columns;
+        int extra = width - each * columns;
+        for (int c = 0; c < columns; ++c)
+            setColumnWidth(c, each + (extra-- > 0 ? 1 : 0));
+    }
+    // A small property's rooms share the height; a large one scrolls.
+    if (rows > 0)
+        verticalHeader()->setDefaultSectionSize(std::max(RowHeight, (viewport()->height() - 1) / rows));
 }
 
 void CalendarView::resizeEvent(QResizeEvent *event)
 {
     QTableView::resizeEvent(event);
+    fitColumns();
     if (viewport()->width() != m_lastWidth) {
         m_lastWidth = viewport()->width();
         Q_EMIT widthChanged();

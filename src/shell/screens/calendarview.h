@@ -88,9 +88,9 @@ public:
 
     explicit CalendarView(QWidget *parent = nullptr);
     CalendarHeader *calendarHeader() const { return m_header; }
-    // The day columns that this width holds.
+    // The day columns that the width beside the room names holds.
     int dayColumns() const;
-    // Spreads the day columns over the width after the model changed.
+    // Spreads the day columns over the width, and a few rooms over the height.
     void fitColumns();
 
 Q_SIGNALS:

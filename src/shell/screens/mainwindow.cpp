@@ -196,15 +196,9 @@ void MainWindow::buildControls()
     m_from->setDate(QDate::currentDate().addDays(-7));
     dateRow->addWidget(m_viewFromLabel);
     dateRow->addWidget(m_from);
-    for (const char *name : {"cmdToday", "cmdPrevMonth", "cmdPrevWeek", "cmdNextWeek", "cmdNextMonth", "cmdRefresh"})
+    for (const char *name : {"cmdToday", "cmdPrevMonth", "cmdPrevWeek", "cmdNextWeek", "cmdNextMonth"})
         dateRow->addWidget(button(QString::fromLatin1(name)));
     dateRow->addStretch();
-    m_userName = new QLabel(central);
-    m_userName->setObjectName(QStringLiteral("lblUserName"));
-    QFont bold = m_userName->font();
-    bold.setBold(true);
-    m_userName->setFont(bold);
-    dateRow->addWidget(m_userName);
     layout->addLayout(dateRow);
 
     // The calendar beside the booking panel.
@@ -218,6 +212,11 @@ void MainWindow::buildControls()
     m_bookBox->setObjectName(QStringLiteral("frmBook"));
     m_bookBox->setFixedWidth(230);
     auto *book = new QGridLayout(m_bookBox);
+    m_userName = new QLabel(m_bookBox);
+    m_userName->setObjectName(QStringLiteral("lblUserName"));
+    QFont bold = m_userName->font();
+    bold.setBold(true);
+    m_userName->setFont(bold);
     m_inDateLabel = new QLabel(m_bookBox);
     m_inDateLabel->setObjectName(QStringLiteral("lblInDate"));
     m_leavingLabel = new QLabel(m_bookBox);
@@ -236,13 +235,14 @@ void MainWindow::buildControls()
     m_nights = new QLineEdit(m_bookBox);
     m_nights->setObjectName(QStringLiteral("txtNights"));
     m_nights->setValidator(new QIntValidator(0, 999, m_nights));
-    book->addWidget(m_inDateLabel, 0, 0);
-    book->addWidget(m_inDate, 0, 1);
-    book->addWidget(m_leavingLabel, 1, 0);
-    book->addWidget(m_leaving, 1, 1);
-    book->addWidget(m_nightsLabel, 2, 0);
-    book->addWidget(m_nights, 2, 1);
-    book->addWidget(button(QStringLiteral("cmdCheck")), 3, 0, 1, 2);
+    book->addWidget(m_userName, 0, 0, 1, 2);
+    book->addWidget(m_inDateLabel, 1, 0);
+    book->addWidget(m_inDate, 1, 1);
+    book->addWidget(m_leavingLabel, 2, 0);
+    book->addWidget(m_leaving, 2, 1);
+    book->addWidget(m_nightsLabel, 3, 0);
+    book->addWidget(m_nights, 3, 1);
+    book->addWidget(button(QStringLiteral("cmdCheck")), 4, 0, 1, 2);
     m_roomsBox = new QWidget(m_bookBox);
     auto *roomsLayout = new QVBoxLayout(m_roomsBox);
     roomsLayout->setContentsMargins(0, 0, 0, 0);
@@ -259,8 +259,8 @@ void MainWindow::buildControls()
     bookButtons->addWidget(button(QStringLiteral("cmdQuote")));
     roomsLayout->addLayout(bookButtons);
     roomsLayout->addWidget(button(QStringLiteral("cmdCloseBox")));
-    book->addWidget(m_roomsBox, 4, 0, 1, 2);
-    book->setRowStretch(4, 1);
+    book->addWidget(m_roomsBox, 5, 0, 1, 2);
+    book->setRowStretch(5, 1);
     m_roomsBox->setVisible(false);
     button(QStringLiteral("cmdCloseBox"))->setVisible(false);
     middle->addWidget(m_bookBox);
@@ -274,10 +274,10 @@ void MainWindow::buildControls()
     m_details->setFixedHeight(3 * m_details->fontMetrics().lineSpacing() + 16);
     bottom->addWidget(m_details, 1);
     auto *commands = new QGridLayout;
-    const char *commandNames[] = {"cmdView", "cmdSearch", "cmdCheckIn", "cmdCheckOut",
+    const char *commandNames[] = {"cmdView", "cmdSearch", "cmdCheckIn", "cmdCheckOut", "cmdRefresh",
                                   "cmdSwapRoom", "cmdChangeUser", "cmdSynch", "cmdExit"};
-    for (int i = 0; i < 8; ++i)
-        commands->addWidget(button(QString::fromLatin1(commandNames[i])), i / 4, i % 4);
+    for (int i = 0; i < 9; ++i)
+        commands->addWidget(button(QString::fromLatin1(commandNames[i])), i / 5, i % 5);
     bottom->addLayout(commands);
     layout->addLayout(bottom);
     setCentralWidget(central);
@@ -461,7 +461,7 @@ void MainWindow::drawCalendar()
 {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const int row = m_view->currentIndex().row();
-    m_model->drawCalendar(m_from->date(), m_view ? dayColumnsForWidth(twipsFromPixels(m_view->width())) : 15);
+    m_model->drawCalendar(m_from->date(), m_view->dayColumns());
     if (row >= 0)
         m_view->scrollTo(m_model->index(row, 0));
     QApplication::restoreOverrideCursor();

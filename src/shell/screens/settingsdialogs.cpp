@@ -20,6 +20,14 @@
 
 namespace fenlark {
 
+void fillStatusList(QComboBox *combo, const StatusColours &colours, const QString &code)
+{
+    combo->clear();
+    for (const Status &s : colours.list())
+        combo->addItem(s.Description, s.Code);
+    combo->setCurrentIndex(colours.list().empty() ? -1 : colours.indexOf(code));
+}
+
 ColourPickerDialog::ColourPickerDialog(Session &session, QWidget *parent)
     : QDialog(parent)
     , m_session(session)
@@ -72,14 +80,12 @@ ColourPickerDialog::ColourPickerDialog(Session &session, QWidget *parent)
     layout->addLayout(grid);
     layout->addLayout(buttons);
 
-    for (const Status &s : m_pending)
-        m_status->addItem(s.Description, s.Code);
+    fillStatusList(m_status, session.statusColours(), QStringLiteral("C"));
     connect(m_status, &QComboBox::currentIndexChanged, this, &ColourPickerDialog::showStatus);
     connect(m_save, &QPushButton::clicked, this, &ColourPickerDialog::save);
     connect(m_restore, &QPushButton::clicked, this, &ColourPickerDialog::restore);
     connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
     retranslate();
-    m_status->setCurrentIndex(session.statusColours().indexOf(QStringLiteral("C")));
     showStatus(m_status->currentIndex());
     setMinimumWidth(420);
 }

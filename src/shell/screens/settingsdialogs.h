@@ -18,6 +18,10 @@ namespace fenlark {
 
 class Session;
 
+// Loads the status names into a list (the code as item data) and selects the
+// code; a code that is not known selects the first entry.
+void fillStatusList(QComboBox *combo, const StatusColours &colours, const QString &code);
+
 // dlgColourPicker: the calendar colour of each booking status. Changes are kept
 // per status until saved; Cancel stores nothing.
 class ColourPickerDialog : public QDialog {

@@ -79,7 +79,7 @@ private Q_SLOTS:
         window.initialise();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         CalendarView *view = window.calendarView();
-        QCOMPARE(window.calendarModel()->columnCount(), dayColumnsForWidth(twipsFromPixels(view->width())));
+        QCOMPARE(window.calendarModel()->columnCount(), dayColumnsForWidth(twipsFromPixels(view->viewport()->width())));
         int total = 0;
         for (int c = 0; c < window.calendarModel()->columnCount(); ++c)
             total += view->columnWidth(c);
@@ -162,6 +162,20 @@ private Q_SLOTS:
         window.calendarView()->setCurrentIndex(window.calendarModel()->index(0, 4));
         window.button("cmdView")->click();
         QCOMPARE(sink.titles, QStringList{"Please select a booking"});
+    }
+
+    void statusListSelectsTheCodeOrTheFirst()
+    {
+        TestDatabase t;
+        StatusColours colours;
+        colours.load(t.db());
+        QComboBox combo;
+        fillStatusList(&combo, colours, "S");
+        QCOMPARE(combo.count(), 7);
+        QCOMPARE(combo.currentText(), QString("Paid"));
+        fillStatusList(&combo, colours, "Z");
+        QCOMPARE(combo.currentIndex(), 0);
+        QCOMPARE(combo.currentData().toString(), QString("C"));
     }
 
     void optionsAreForAdminOnly()
