@@ -235,6 +235,7 @@ void MainWindow::buildControls()
     m_nights = new QLineEdit(m_bookBox);
     m_nights->setObjectName(QStringLiteral("txtNights"));
     m_nights->setValidator(new QIntValidator(0, 999, m_nights));
+    m_nights->setText(QStringLiteral("0"));
     book->addWidget(m_userName, 0, 0, 1, 2);
     book->addWidget(m_inDateLabel, 1, 0);
     book->addWidget(m_inDate, 1, 1);
