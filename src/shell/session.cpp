@@ -15,6 +15,14 @@ void Session::refreshBBSetup()
     m_setup.fetch(*m_db);
 }
 
+void Session::reloadSetup()
+{
+    m_statusColours.load(*m_db);
+    m_property.load(*m_db);
+    m_calendar.initCalendar();
+    m_preferences.load(*m_db);
+}
+
 std::unique_ptr<Database> Session::replaceDatabase(std::unique_ptr<Database> db, int dbNumber)
 {
     std::swap(m_db, db);

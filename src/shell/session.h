@@ -1,7 +1,12 @@
 #pragma once
 
+#include "shell/calendar.h"
 #include "shell/database.h"
+#include "shell/preferences.h"
+#include "shell/propertysetup.h"
+#include "shell/security.h"
 #include "shell/setuprecords.h"
+#include "shell/statuscolours.h"
 
 #include <memory>
 
@@ -29,11 +34,31 @@ public:
     bool multipleDatabases() const { return m_multipleDatabases; }
     void setMultipleDatabases(bool on) { m_multipleDatabases = on; }
 
+    // The person logged on at the desk.
+    const UserStruct &getUser() const { return m_user; }
+    void setUser(const UserStruct &user) { m_user = user; }
+
+    // Status colours, rooms, room types, VAT codes and preferences are read
+    // again, and the calendar starts empty.
+    void reloadSetup();
+    const PropertySetup &property() const { return m_property; }
+    const StatusColours &statusColours() const { return m_statusColours; }
+    void loadStatusColours() { m_statusColours.load(*m_db); }
+    const Preferences &preferences() const { return m_preferences; }
+    void loadPreferences() { m_preferences.load(*m_db); }
+    QString getPreference(const QString &code) const { return m_preferences.get(code); }
+    Calendar &calendar() { return m_calendar; }
+
 private:
     std::unique_ptr<Database> m_db;
     int m_dbNumber = 0;
     BBSetup m_setup;
     bool m_multipleDatabases = false;
+    UserStruct m_user;
+    PropertySetup m_property;
+    StatusColours m_statusColours;
+    Preferences m_preferences;
+    Calendar m_calendar;
 };
 
 } // namespace fenlark
