@@ -4,6 +4,8 @@
 
 namespace fenlark {
 
+class Payment;
+
 // What a client owes for one or more bookings.
 class Account : public LocalRecord<Account> {
 public:
@@ -20,6 +22,19 @@ public:
     QString Status;   // "O" open, "C" closed
     QString Reference;
     qint16 VatCode = 0;
+
+    // Does the client have an open account other than this one?
+    static bool fetchAccounts(Database &db, qint32 accountId, qint32 invoiceTo);
+    // Accommodation of the account's bookings (every room, also one billed
+    // elsewhere) plus its extras, less its payments: money owed is positive.
+    static double getBalanceOnAccount(Database &db, qint32 accountId);
+    static bool hasPayments(Database &db, qint32 accountId);
+    // Bookings and extras on the account; a room billed here through its own
+    // account column alone is not counted.
+    static int getItemCount(Database &db, qint32 accountId);
+    static int getExtrasCount(Database &db, qint32 accountId);
+    // By payment date, then as entered.
+    static std::vector<Payment> getPayments(Database &db, qint32 accountId);
 };
 
 class Extra : public LocalRecord<Extra> {

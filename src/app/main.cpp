@@ -1,7 +1,30 @@
+#include "shell/demo.h"
+#include "shell/home.h"
+#include "shell/screens/deskstartuphost.h"
+#include "shell/screens/dialogmessagesink.h"
+#include "shell/startup.h"
+
 #include <QApplication>
+
+using namespace fenlark;
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    return 0;
+    QStringList args = app.arguments().mid(1);
+    const QString home = Home::takeHomeArgument(args);
+    const bool demo = args.contains(QStringLiteral("--demo"));
+    Home::setPath(demo ? Demo::homeFolder(home) : Home::resolve(home));
+
+    DialogMessageSink sink;
+    messages::setSink(&sink);
+    if (demo)
+        Demo::prepare();
+
+    DeskStartupHost host;
+    Startup startup(host);
+    if (startup.run() != Startup::Running)
+        return 0;
+    host.createMainWindow(startup.takeSession());
+    return app.exec();
 }

@@ -4,64 +4,101 @@
 #include "shell/messages.h"
 #include "shell/strings.h"
 
-#include <QStringList>
-
 namespace fenlark {
+
+namespace {
+
+QString leftTrimmed(const QString &text)
+{
+    int at = 0;
+    while (at < text.size() && text.at(at).isSpace())
+        ++at;
+    return text.mid(at);
+}
+
+} // namespace
 
 QString clientName(const QString &title, const QString &firstName, const QString &surname, const QString &company)
 {
-    QString name = title.trimmed() + QLatin1Char(' ') + firstName.trimmed() + QLatin1Char(' ') + surname.trimmed();
-    // Left-trimmed only: a missing first name leaves two blanks inside
-    // ("Mr  Smith") and a missing surname a blank at the end, as the desk has always shown.
-    while (!name.isEmpty() && name.front().isSpace())
-        name.remove(0, 1);
+    const QString name =
+        leftTrimmed(leftTrimmed(title.trimmed() + QLatin1Char(' ') + firstName.trimmed()) + QLatin1Char(' ') + surname.trimmed());
     if (!name.isEmpty())
-        return company.trimmed().isEmpty() ? name : name + QStringLiteral(" @ ") + company.trimmed();
-    if (!company.trimmed().isEmpty())
-        return company.trimmed();
+        return company.isEmpty() ? name : name + QStringLiteral(" @ ") + company;
+    if (!company.isEmpty())
+        return company;
     return QStringLiteral("<Blank>");
+}
+
+QString getDisplayName(const QString &firstName, const QString &surname, const QString &company)
+{
+    for (const QString *part : {&surname, &firstName, &company}) {
+        if (!part->trimmed().isEmpty())
+            return part->trimmed();
+    }
+    return QStringLiteral("???");
 }
 
 QString getShortName(const QString &firstName, const QString &surname, const QString &company)
 {
-    QString name = surname.trimmed();
-    if (name.isEmpty())
-        name = firstName.trimmed();
-    if (name.isEmpty())
-        name = company.trimmed();
-    if (name.isEmpty())
-        name = QStringLiteral("???");
-    return name.left(3);
+    return getDisplayName(firstName, surname, company).left(3);
 }
 
 QString clientTypeName(const QString &code)
 {
-    if (code == QLatin1String("I"))
-        return getString(5001, QStringLiteral("Individual"));
-    if (code == QLatin1String("C"))
-        return getString(5002, QStringLiteral("Company"));
-    if (code == QLatin1String("T"))
-        return getString(5003, QStringLiteral("Travel Agent"));
-    if (code == QLatin1String("O"))
-        return getString(5004, QStringLiteral("Tour Operator"));
+    if (code == clienttype::Individual)
+        return getString(2222, QStringLiteral("Individual"));
+    if (code == getString(1946, QStringLiteral("C")))
+        return getString(2156, QStringLiteral("Company"));
+    if (code == getString(2225, QStringLiteral("T")))
+        return getString(2223, QStringLiteral("Travel Agent"));
+    if (code == getString(2226, QStringLiteral("O")))
+        return getString(2224, QStringLiteral("Tour Operator"));
     return {};
 }
 
-QString clientTypeCode(int index)
+int getClientTypeIndex(const QString &code)
 {
-    static const QStringList codes = {QStringLiteral("I"), QStringLiteral("C"), QStringLiteral("T"), QStringLiteral("O")};
-    return index >= 0 && index < codes.size() ? codes.at(index) : QString();
+    if (code == clienttype::Company)
+        return 1;
+    if (code == clienttype::TravelAgent)
+        return 2;
+    if (code == clienttype::TourOperator)
+        return 3;
+    return 0;
+}
+
+QString getClientTypeCode(int index)
+{
+    switch (index) {
+    case 1:
+        return clienttype::Company;
+    case 2:
+        return clienttype::TravelAgent;
+    case 3:
+        return clienttype::TourOperator;
+    default:
+        return clienttype::Individual;
+    }
+}
+
+QStringList clientTypeNames()
+{
+    QStringList names;
+    for (int i = 0; i < 4; ++i)
+        names << clientTypeName(getClientTypeCode(i));
+    return names;
 }
 
 QString getClientName(Database &db, qint32 clientId)
 {
     Client client;
     if (!client.fetch(db, clientId)) {
-        messages::critical(getString(5005, QStringLiteral("Could not find client (%1). Please call veldmoor to see why this might happen.")).arg(clientId),
-                           getString(5006, QStringLiteral("Missing client information")));
-        return QStringLiteral("Unknown client - ID %1").arg(clientId);
+        messages::critical(getString(2232, QStringLiteral("Could not find client (")) + QString::number(clientId) +
+                               getString(2233, QStringLiteral("). Please call veldmoor to see why this might happen.")),
+                           getString(2231, QStringLiteral("Missing client information")));
+        return getString(2234, QStringLiteral("Unknown client - ID ")) + QString::number(clientId);
     }
-    return clientName(client.Title, client.FirstName, client.Surname, client.Company);
+    return client.FullName();
 }
 
 QString getClientExtra(Database &db, qint32 clientId, const QString &fieldType)
@@ -69,6 +106,21 @@ QString getClientExtra(Database &db, qint32 clientId, const QString &fieldType)
     return db.scalar(QStringLiteral("select fieldvalue from clientextra where bbclientid = ? and fieldtype = ?"),
                      {clientId, fieldType})
         .toString();
+}
+
+QStringList clientExtraFieldTypes()
+{
+    return {QStringLiteral("P"), QStringLiteral("F"), QStringLiteral("C"), QStringLiteral("I"),
+            QStringLiteral("N"), QStringLiteral("O"), QStringLiteral("T"), QStringLiteral("S")};
+}
+
+QString clientExtraFieldName(const QString &fieldType)
+{
+    static const char *const texts[] = {"Phone No", "Fax No", "Cell No", "ID/Passport", "Nationality", "Other", "Type", "Segment"};
+    const int at = clientExtraFieldTypes().indexOf(fieldType);
+    if (at < 0)
+        return {};
+    return getString(5620 + at, QString::fromLatin1(texts[at]));
 }
 
 } // namespace fenlark

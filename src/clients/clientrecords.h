@@ -28,7 +28,10 @@ public:
     QString Add1;
     QString Add2;
     QString VatNo;
-    QString Active;
+    QString Active;   // "Y" in use, "N" retired: only "Y" clients are found by the search
+
+    // The full name of this client (clientName).
+    QString FullName() const;
 };
 
 // A repeating named field of a client (a second phone, a fax, ...).
@@ -44,6 +47,12 @@ public:
     qint32 BBClientID = 0;
     QString FieldType;
     QString FieldValue;
+
+    // Deletes each extra of the client by itself, so that every deletion is logged.
+    static void deleteForClient(Database &db, qint32 clientId);
+    // The extras of a client the editor shows: only types listed in clientxsort,
+    // in its order, then by value.
+    static std::vector<ClientExtra> forClient(Database &db, qint32 clientId);
 };
 
 } // namespace fenlark

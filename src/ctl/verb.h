@@ -19,6 +19,8 @@ struct Verb {
 
 // The verbs of each subsystem; main() lists them all.
 const std::vector<Verb> &shellVerbs();
+const std::vector<Verb> &ratesVerbs();
+const std::vector<Verb> &recordsVerbs();
 const std::vector<Verb> &synchVerbs();
 
 // The database named by --db, else the configured database of the home folder.

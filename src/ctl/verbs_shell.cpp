@@ -3,6 +3,8 @@
 #include "shell/backup.h"
 #include "shell/changelog.h"
 #include "shell/databasefiles.h"
+#include "shell/propertygenerator.h"
+#include "shell/setuprecords.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -22,6 +24,48 @@ int runInit(const CommandLine &args)
         return 1;
     printJson(QJsonObject{{"database", path}});
     return 0;
+}
+
+QJsonObject countsJson(const PropertyGenerator::Counts &c)
+{
+    return QJsonObject{{"roomTypes", c.roomTypes}, {"rooms", c.rooms}, {"clients", c.clients},
+                       {"bookings", c.bookings}, {"legs", c.legs}, {"nights", c.nights}};
+}
+
+// Fills the database named by the arguments with a property, refusing one that
+// already holds a property.
+int fillProperty(const CommandLine &args, const PropertyGenerator::Options &options)
+{
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    if (!BBSetup::isSetupEmpty(*db))
+        return fail(QStringLiteral("%1 already holds a property").arg(databasePath(args)));
+    const auto counts = PropertyGenerator(options).generate(*db);
+    QJsonObject out = countsJson(counts);
+    out.insert("database", databasePath(args));
+    printJson(out);
+    return 0;
+}
+
+int runDemo(const CommandLine &args)
+{
+    return fillProperty(args, PropertyGenerator::demo());
+}
+
+int runGenerate(const CommandLine &args)
+{
+    bool okRooms = false, okYears = false, okSeed = false;
+    const int rooms = args.number(QStringLiteral("rooms"), &okRooms, 40);
+    const int years = args.number(QStringLiteral("years"), &okYears, 10);
+    const int seed = args.number(QStringLiteral("seed"), &okSeed, 1);
+    if (!okRooms || rooms < 1 || rooms > 500)
+        return fail(QStringLiteral("--rooms must be a number from 1 to 500"));
+    if (!okYears || years < 1 || years > 50)
+        return fail(QStringLiteral("--years must be a number from 1 to 50"));
+    if (!okSeed)
+        return fail(QStringLiteral("--seed must be a whole number"));
+    return fillProperty(args, PropertyGenerator::forYears(rooms, years, static_cast<unsigned>(seed)));
 }
 
 int runBackup(const CommandLine &args)
@@ -72,6 +116,8 @@ const std::vector<Verb> &shellVerbs()
 {
     static const std::vector<Verb> verbs = {
         {"init", "init [--db PATH]                      a new empty database with the full schema", runInit},
+        {"demo", "demo [--db PATH]                      the demo property in an empty database", runDemo},
+        {"generate", "generate [--db PATH] --rooms N --years Y --seed S   a generated property", runGenerate},
         {"backup", "backup [--db PATH] [--number N]       the rotating backup of the database", runBackup},
         {"log", "log [--db PATH]                       the change log (dblog) as JSON", runLog},
         {"mark-all", "mark-all [--db PATH]                  log every shared row for sending again", runMarkAll},

@@ -95,7 +95,7 @@ public:
     static const std::vector<Column<RateCode>> &columns();
 
     qint32 BBRateID = 0;
-    QString Source;   // "R" rate sheet, "P" package, "B"
+    QString Source;   // "R" rack rate, "P" package per room type, "B" whole-property package
     qint32 SourceID = 0;
 };
 

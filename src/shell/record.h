@@ -192,6 +192,15 @@ public:
         transaction.commit();
     }
 
+    // Inserts the row under its own key without a log row: for rows the server
+    // already holds (a generated property, rows taken over from the server).
+    void insertKeyed(Database &db)
+    {
+        QVariantList list = this->values();
+        list << this->key();
+        db.execute(RecordSql<T>::get().insertWithKey, list);
+    }
+
     // Deletes the row and logs "D".
     static void remove(Database &db, qint32 id)
     {

@@ -214,9 +214,20 @@ const char *const Version1[] = {
         ('NZD', 'New Zealand Dollar'), ('USD', 'US Dollar'), ('ZAR', 'South African Rand'))",
 };
 
-// Version 2: the synchronisation finds rows by their server id on every update
-// and acknowledgement from the server.
+// Version 2: the client search reads only keys from the name indexes, so each
+// name index also carries Active and the search never visits the table rows.
 const char *const Version2[] = {
+    "drop index client_surname",
+    "drop index client_firstname",
+    "drop index client_company",
+    "create index client_surname on client (Surname collate nocase, Active)",
+    "create index client_firstname on client (FirstName collate nocase, Active)",
+    "create index client_company on client (Company collate nocase, Active)",
+};
+
+// Version 3: the synchronisation finds rows by their server id on every update
+// and acknowledgement from the server.
+const char *const Version3[] = {
     "create index booking_serverid on booking (BookingID)",
     "create index guest_serverid on guest (GuestID)",
     "create index client_serverid on client (ClientID)",
@@ -240,6 +251,7 @@ struct Migration {
 const Migration Migrations[] = {
     {1, Version1, std::size(Version1)},
     {2, Version2, std::size(Version2)},
+    {3, Version3, std::size(Version3)},
 };
 
 } // namespace

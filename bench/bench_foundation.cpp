@@ -1,0 +1,120 @@
+// Foundation figures on a generated 40-room, 10-year property:
+// generating it, backing it up, starting up on it, and record writes with their log rows.
+#include "accounts/accountrecords.h"
+#include "shell/backup.h"
+#include "shell/config.h"
+#include "shell/database.h"
+#include "shell/home.h"
+#include "shell/propertygenerator.h"
+#include "shell/startup.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+using namespace fenlark;
+
+namespace {
+
+QTemporaryDir &workDir()
+{
+    static QTemporaryDir dir;
+    return dir;
+}
+
+// The generated property, made once per run and shared by the benchmarks.
+QString generatedProperty()
+{
+    static const QString path = [] {
+        Home::setPath(workDir().path());
+        const QString p = workDir().filePath("generated.db");
+        auto db = Database::open(p);
+        PropertyGenerator(PropertyGenerator::forYears(40, 10, 1)).generate(*db);
+        return p;
+    }();
+    return path;
+}
+
+void BM_Generate40Rooms10Years(benchmark::State &state)
+{
+    Home::setPath(workDir().path());
+    int n = 0;
+    for (auto _ : state) {
+        const QString path = workDir().filePath(QStringLiteral("gen%1.db").arg(n++));
+        auto db = Database::open(path);
+        const auto counts = PropertyGenerator(PropertyGenerator::forYears(40, 10, 1)).generate(*db);
+        state.counters["bookings"] = counts.bookings;
+        state.counters["nights"] = counts.nights;
+    }
+}
+BENCHMARK(BM_Generate40Rooms10Years)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void BM_Backup(benchmark::State &state)
+{
+    auto db = Database::open(generatedProperty());
+    for (auto _ : state)
+        Backup::backupDatabase(*db, 0);
+}
+BENCHMARK(BM_Backup)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Start-up without a screen: lock, language, open, backup, property, user.
+class QuietHost : public StartupHost {
+public:
+    void askLanguage() override {}
+    void showSplash() override {}
+    void closeSplash() override {}
+    bool logInProperty(Session &) override { return true; }
+    bool checkSetup(Session &) override { return true; }
+    bool enterPassword(Session &) override { return true; }
+    void initialise(Session &) override {}
+    bool checkDoubleBookings(Session &) override { return true; }
+    void showMainWindow(Session &) override {}
+};
+
+void BM_StartupHeadless(benchmark::State &state)
+{
+    const QString path = generatedProperty();
+    writeConfig("Database", path);
+    writeConfig("Language", "1033");
+    for (auto _ : state) {
+        QuietHost host;
+        Startup startup(host);
+        if (startup.run() != Startup::Running)
+            state.SkipWithError("start-up failed");
+        benchmark::DoNotOptimize(startup.takeSession());
+    }
+}
+BENCHMARK(BM_StartupHeadless)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_RecordUpdateWithLog(benchmark::State &state)
+{
+    Home::setPath(workDir().path());
+    auto db = Database::open(workDir().filePath("writes.db"));
+    const int batch = static_cast<int>(state.range(0));
+    for (auto _ : state) {
+        Transaction transaction(*db);
+        for (int i = 0; i < batch; ++i) {
+            Extra extra;
+            extra.BBGuestID = i;
+            extra.ExtraDate = QDate(2026, 1, 1);
+            extra.Qty = 1;
+            extra.Price = 10;
+            extra.update(*db);
+        }
+        transaction.commit();
+    }
+    state.SetItemsProcessed(state.iterations() * batch);
+}
+BENCHMARK(BM_RecordUpdateWithLog)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,244 @@
+#include "shell/calendar.h"
+
+#include "clients/clientnames.h"
+#include "shell/database.h"
+#include "shell/messages.h"
+#include "shell/strings.h"
+#include "shell/textformat.h"
+
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+#include <cmath>
+
+namespace fenlark {
+
+QString cellStatus(const QString &status, const QString &checkInOut)
+{
+    if (checkInOut.isEmpty() || status != QLatin1String("C"))
+        return status;
+    return checkInOut;
+}
+
+void Calendar::initCalendar()
+{
+    m_cells.clear();
+    m_guests.clear();
+    m_loaded.clear();
+}
+
+bool Calendar::fillCache(Database &db, QDate from, QDate to)
+{
+    if (!from.isValid() || !to.isValid() || to < from)
+        return false;
+    QDate first, last;
+    for (QDate d = from; d <= to; d = d.addDays(1)) {
+        if (m_loaded.contains(d.toJulianDay()))
+            continue;
+        if (!first.isValid())
+            first = d;
+        last = d;
+        m_loaded.insert(d.toJulianDay());
+    }
+    if (!first.isValid())
+        return false;
+
+    ++m_queries;
+    // A stay leaves on ToDate, so the day of leaving is not occupied. The client is
+    // joined loosely: a booking whose client is missing still takes its room.
+    QSqlQuery q = db.query(QStringLiteral(
+        "select booking.BBBookingID, client.BBClientID, booking.Status, guest.CheckInOut, booking.FromDate, "
+        "booking.ToDate, guest.BBRoomID, client.FirstName, client.Surname, client.Company, guest.NoAdults, "
+        "guest.Child1 + guest.Child2, guest.BBClientID "
+        "from booking join guest on booking.BBBookingID = guest.BBBookingID "
+        "left join client on guest.BBClientID = client.BBClientID "
+        "where booking.ToDate > ? and booking.FromDate <= ?"),
+        {sqlDate(first), sqlDate(last)});
+    while (q.next()) {
+        const QDate fromDate = dateFromSql(q.value(4));
+        const QDate toDate = dateFromSql(q.value(5));
+        if (!fromDate.isValid() || !toDate.isValid())
+            continue;
+        const QDate start = fromDate > from ? fromDate : from;
+        const QDate end = toDate.addDays(-1) < to ? toDate.addDays(-1) : to;
+        const bool clientFound = !q.value(1).isNull();
+
+        auto entry = std::make_shared<CalendarCache>();
+        entry->BBBookingID = q.value(0).toInt();
+        entry->BBClientID = clientFound ? q.value(1).toInt() : q.value(12).toInt();
+        entry->Status = cellStatus(fieldText(q.value(2)), fieldText(q.value(3)));
+        entry->Arrival = fromDate;
+        entry->NoAdults = static_cast<qint16>(q.value(10).toInt());
+        entry->Children = static_cast<qint16>(q.value(11).toInt());
+        if (clientFound)
+            cacheGuest(entry->BBClientID, getShortName(fieldText(q.value(7)), fieldText(q.value(8)), fieldText(q.value(9))));
+
+        const qint32 room = q.value(6).toInt();
+        for (QDate d = start; d <= end; d = d.addDays(1)) {
+            CalendarEntry &slot = m_cells[Key{d.toJulianDay(), room}];
+            if (!slot)
+                slot = entry;
+        }
+    }
+    return true;
+}
+
+CalendarEntry Calendar::find(QDate date, qint32 roomId) const
+{
+    return m_cells.value(Key{date.toJulianDay(), roomId});
+}
+
+CalendarEntry Calendar::getCalendarCache(QDate date, qint32 roomId)
+{
+    CalendarEntry &slot = m_cells[Key{date.toJulianDay(), roomId}];
+    if (!slot)
+        slot = std::make_shared<CalendarCache>();
+    return slot;
+}
+
+void Calendar::addCalEntry(QDate date, qint32 roomId, CalendarEntry entry)
+{
+    deleteCalEntry(roomId, date);
+    m_cells.insert(Key{date.toJulianDay(), roomId}, std::move(entry));
+}
+
+void Calendar::deleteCalEntry(qint32 roomId, QDate date)
+{
+    m_cells.remove(Key{date.toJulianDay(), roomId});
+}
+
+bool Calendar::roomIsBooked(QDate date, qint32 roomId) const
+{
+    return m_cells.contains(Key{date.toJulianDay(), roomId});
+}
+
+void Calendar::cacheGuest(qint32 clientId, const QString &shortName)
+{
+    delGuestEntry(clientId);
+    m_guests.insert(clientId, shortName);
+}
+
+void Calendar::delGuestEntry(qint32 clientId)
+{
+    m_guests.remove(clientId);
+}
+
+std::optional<QString> Calendar::guestName(qint32 clientId) const
+{
+    const auto it = m_guests.constFind(clientId);
+    if (it == m_guests.constEnd())
+        return std::nullopt;
+    return *it;
+}
+
+int dayColumnsForWidth(int widthTwips)
+{
+    const int n = static_cast<int>(std::lround(std::max(0, widthTwips) / 510.0));
+    return n + 1;
+}
+
+GridSelection GridSelection::ordered(int row, int col, int rowSel, int colSel)
+{
+    return {std::min(row, rowSel), std::max(row, rowSel), std::min(col, colSel), std::max(col, colSel)};
+}
+
+BookingRequest bookingRequestFor(QDate firstDay, const GridSelection &selection)
+{
+    BookingRequest request;
+    request.inDate = firstDay.addDays(selection.left);
+    request.nights = selection.right - selection.left + 1;
+    request.firstRoom = selection.top;
+    request.lastRoom = selection.bottom;
+    return request;
+}
+
+std::vector<qint32> freeRooms(Database &db, Calendar &calendar, const std::vector<qint32> &roomIds, QDate from, int nights)
+{
+    std::vector<qint32> free;
+    if (nights < 1 || !from.isValid())
+        return free;
+    const QDate to = from.addDays(nights - 1);
+    calendar.fillCache(db, from, to);
+    for (qint32 room : roomIds) {
+        bool taken = false;
+        for (QDate d = from; d <= to && !taken; d = d.addDays(1))
+            taken = calendar.roomIsBooked(d, room);
+        if (!taken)
+            free.push_back(room);
+    }
+    return free;
+}
+
+bool checkNights(const QString &nightsText)
+{
+    if (nightsText.trimmed().isEmpty()) {
+        messages::critical(getString(2280, QStringLiteral("How many nights is the booking for?")),
+                           getString(2281, QStringLiteral("Incomplete number of nights")));
+        return false;
+    }
+    if (safeDouble(nightsText) <= 0) {
+        messages::critical(getString(2278, QStringLiteral("The number of nights must be greater than zero.")),
+                           getString(2279, QStringLiteral("Type in a positive number of nights")));
+        return false;
+    }
+    return true;
+}
+
+void CalendarEvents::load(Database &db, QDate from, QDate to)
+{
+    m_events.clear();
+    QSqlQuery q = db.query(QStringLiteral("select * from event where FromDate <= ? and ToDate >= ? order by BBEventID"),
+                           {sqlDate(to), sqlDate(from)});
+    while (q.next()) {
+        EventData e;
+        e.fillFields(q.record());
+        m_events.push_back(std::move(e));
+    }
+    m_byDayAndRow.clear();
+    for (int i = 0; i < static_cast<int>(m_events.size()); ++i) {
+        const EventData &e = m_events[static_cast<std::size_t>(i)];
+        if (!e.FromDate.isValid() || !e.ToDate.isValid())
+            continue;
+        const QDate start = std::max(e.FromDate, from);
+        const QDate end = std::min(e.ToDate, to);
+        for (QDate d = start; d <= end; d = d.addDays(1))
+            m_byDayAndRow.insert(d.toJulianDay() * 4 + e.EventIndex, i);
+    }
+}
+
+const EventData *CalendarEvents::find(QDate date, int eventIndex) const
+{
+    const auto it = m_byDayAndRow.constFind(date.toJulianDay() * 4 + eventIndex);
+    return it == m_byDayAndRow.constEnd() ? nullptr : &m_events[static_cast<std::size_t>(*it)];
+}
+
+bool EventRules::overlaps(Database &db, QDate from, QDate to, int eventIndex, qint32 ownId)
+{
+    return db.scalar(QStringLiteral("select count(*) from event where FromDate <= ? and ToDate >= ? and EventIndex = ? "
+                                    "and BBEventID <> ?"),
+                     {sqlDate(to), sqlDate(from), eventIndex, ownId})
+               .toInt()
+        > 0;
+}
+
+bool EventRules::validate(Database &db, const QString &text, QDate from, QDate to, int eventIndex, qint32 ownId)
+{
+    if (text.trimmed().isEmpty()) {
+        messages::critical(getString(1702, QStringLiteral("You haven't entered any text.")),
+                           getString(1703, QStringLiteral("No event text entered")));
+        return false;
+    }
+    if (from > to) {
+        messages::critical(getString(1704, QStringLiteral("From date cannot be bigger than the To date.")),
+                           getString(1705, QStringLiteral("Incorrect dates")));
+        return false;
+    }
+    if (overlaps(db, from, to, eventIndex, ownId)) {
+        messages::critical(getString(5110, QStringLiteral("The changes you have made overlap an event that already exists. Please adjust.")),
+                           getString(5111, QStringLiteral("Overlapping event dates")));
+        return false;
+    }
+    return true;
+}
+
+} // namespace fenlark

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "shell/setuprecords.h"
+
+#include <QDate>
+#include <QHash>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace fenlark {
+
+class Database;
+
+// What one calendar cell shows: a booking's room. Every day of a stay loaded
+// together refers to the same object.
+class CalendarCache {
+public:
+    qint32 BBBookingID = 0;
+    QString Status;
+    QDate Arrival;
+    qint32 BBClientID = 0;
+    qint16 NoAdults = 0;
+    qint16 Children = 0;
+};
+
+using CalendarEntry = std::shared_ptr<CalendarCache>;
+
+// The status a cell shows: a confirmed booking shows its check-in state ("I"/"K").
+QString cellStatus(const QString &status, const QString &checkInOut);
+
+// The in-memory calendar: which room is taken on which day, the short names of
+// the guests, and the days already read. Only days not yet loaded are read, in
+// one range query; cells that this program changes are patched in place.
+class Calendar {
+public:
+    // Empties the three dictionaries: the next fill reads everything again.
+    void initCalendar();
+
+    // Reads the bookings of the days from..to that are not loaded yet; false when
+    // every day was loaded already (no query ran). The first row for a room and
+    // day wins: in a double booking only one shows.
+    bool fillCache(Database &db, QDate from, QDate to);
+
+    // The entry of a day and room; null when the room is free.
+    CalendarEntry find(QDate date, qint32 roomId) const;
+    // The entry of a day and room, made empty and added when there is none.
+    CalendarEntry getCalendarCache(QDate date, qint32 roomId);
+    void addCalEntry(QDate date, qint32 roomId, CalendarEntry entry);
+    void deleteCalEntry(qint32 roomId, QDate date);
+    bool roomIsBooked(QDate date, qint32 roomId) const;
+
+    void cacheGuest(qint32 clientId, const QString &shortName);
+    void delGuestEntry(qint32 clientId);
+    // The short name of a client; nullopt when it was never cached.
+    std::optional<QString> guestName(qint32 clientId) const;
+
+    bool isLoaded(QDate date) const { return m_loaded.contains(date.toJulianDay()); }
+    int queriesRun() const { return m_queries; }
+    qsizetype entryCount() const { return m_cells.size(); }
+
+private:
+    struct Key {
+        qint64 day;
+        qint32 room;
+        bool operator==(const Key &) const = default;
+        friend size_t qHash(const Key &k, size_t seed = 0) { return qHashMulti(seed, k.day, k.room); }
+    };
+    QHash<Key, CalendarEntry> m_cells;
+    QHash<qint32, QString> m_guests;
+    QSet<qint64> m_loaded;
+    int m_queries = 0;
+};
+
+// The number of day columns for a grid this wide (in twips): one per 510 twips,
+// rounded, plus the first day.
+int dayColumnsForWidth(int widthTwips);
+// Twips of a width in pixels on a 96 dots-per-inch screen.
+constexpr int twipsFromPixels(int pixels) { return pixels * 15; }
+
+// A rectangle of the grid in either drag direction, put in order.
+struct GridSelection {
+    int top = 0, bottom = 0, left = 0, right = 0;
+    static GridSelection ordered(int row, int col, int rowSel, int colSel);
+};
+
+// What a selection over rooms (rows) and days (columns from 0 = firstDay) asks for.
+struct BookingRequest {
+    QDate inDate;
+    int nights = 0;
+    int firstRoom = 0;   // row of the first room selected
+    int lastRoom = 0;
+};
+BookingRequest bookingRequestFor(QDate firstDay, const GridSelection &selection);
+
+// The rooms (of those given, in their order) free on every night of a stay.
+std::vector<qint32> freeRooms(Database &db, Calendar &calendar, const std::vector<qint32> &roomIds, QDate from, int nights);
+
+// Whether a typed number of nights can be used; shows why not when it cannot.
+bool checkNights(const QString &nightsText);
+
+// The calendar events of a window, by day and header row (1 to 3).
+class CalendarEvents {
+public:
+    void load(Database &db, QDate from, QDate to);
+    const EventData *find(QDate date, int eventIndex) const;
+    qsizetype size() const { return m_events.size(); }
+
+private:
+    std::vector<EventData> m_events;
+    QHash<qint64, int> m_byDayAndRow;   // day * 4 + row -> position in m_events
+};
+
+// The event dialog's rules.
+class EventRules {
+public:
+    // The three checks in order (text, dates, overlap on the same header row,
+    // leaving out the event itself); shows the message of the first that fails.
+    static bool validate(Database &db, const QString &text, QDate from, QDate to, int eventIndex, qint32 ownId);
+    static bool overlaps(Database &db, QDate from, QDate to, int eventIndex, qint32 ownId);
+};
+
+} // namespace fenlark

@@ -1,0 +1,119 @@
+#include "shell/calendargrid.h"
+
+#include "clients/clientnames.h"
+#include "shell/session.h"
+#include "shell/strings.h"
+#include "shell/textformat.h"
+
+#include <QSqlQuery>
+
+namespace fenlark {
+
+QString cellText(const CalendarCache &entry, QDate day, const QString &shortName)
+{
+    if (day == entry.Arrival && entry.Status != QLatin1String("U")) {
+        QString top = QString::number(entry.NoAdults);
+        if (entry.Children > 0)
+            top += QLatin1Char('+') + QString::number(entry.Children);
+        return top + QLatin1Char('\n') + shortName;
+    }
+    return QLatin1Char('\n') + shortName;
+}
+
+Rgb cellColour(const QString &status, const StatusColours &colours, bool *unknownStatus)
+{
+    if (unknownStatus)
+        *unknownStatus = false;
+    if (status == QLatin1String("I"))
+        return calendarcolours::CheckedIn;
+    if (status == QLatin1String("K"))
+        return calendarcolours::CheckedOut;
+    if (const Status *s = colours.find(status))
+        return {s->Red, s->Green, s->Blue};
+    if (unknownStatus)
+        *unknownStatus = true;
+    return calendarcolours::UnknownStatus;
+}
+
+void CalendarGrid::build(Session &session, QDate firstDay, int days, QDate today)
+{
+    const auto &rooms = session.property().rooms();
+    m_firstDay = firstDay;
+    m_days = std::max(0, days);
+    m_rooms = static_cast<int>(rooms.size());
+    m_missingClients.clear();
+    const QDate lastDay = firstDay.addDays(m_days - 1);
+
+    m_events.load(session.db(), firstDay, lastDay);
+    m_headers.assign(static_cast<std::size_t>(m_days), DayHeader());
+    for (int c = 0; c < m_days; ++c) {
+        DayHeader &h = m_headers[static_cast<std::size_t>(c)];
+        h.date = firstDay.addDays(c);
+        h.weekend = h.date.dayOfWeek() >= 6;
+        h.today = h.date == today;
+        for (int band = 0; band < 3; ++band) {
+            h.event[band] = m_events.find(h.date, band + 1);
+            h.band[band] = h.event[band] ? calendarcolours::EventRow[band]
+                                         : (h.weekend ? calendarcolours::Weekend : calendarcolours::Weekday);
+        }
+    }
+
+    Calendar &calendar = session.calendar();
+    calendar.fillCache(session.db(), firstDay, lastDay);
+    const StatusColours &colours = session.statusColours();
+    m_cells.assign(static_cast<std::size_t>(m_rooms * m_days), CalendarCell());
+    for (int r = 0; r < m_rooms; ++r) {
+        const qint32 roomId = rooms[static_cast<std::size_t>(r)].BBRoomID;
+        for (int c = 0; c < m_days; ++c) {
+            CalendarEntry entry = calendar.find(m_firstDay.addDays(c), roomId);
+            if (!entry)
+                continue;
+            CalendarCell &cell = m_cells[static_cast<std::size_t>(r * m_days + c)];
+            bool unknown = false;
+            cell.back = cellColour(entry->Status, colours, &unknown);
+            const auto name = calendar.guestName(entry->BBClientID);
+            if (!name && (m_missingClients.empty() || m_missingClients.back() != entry->BBBookingID))
+                m_missingClients.push_back(entry->BBBookingID);
+            cell.text = cellText(*entry, m_firstDay.addDays(c), name.value_or(QStringLiteral("???")));
+            if (unknown)
+                cell.text = entry->Status + QLatin1Char(' ') + cell.text;
+            cell.entry = std::move(entry);
+        }
+    }
+}
+
+std::optional<QString> bookingDetails(Database &db, qint32 bbBookingId, qint32 bbRoomId)
+{
+    QSqlQuery q = db.query(QStringLiteral(
+        "select client.Title, client.FirstName, client.Surname, client.Company, client.PhoneNo, guest.NoAdults, "
+        "guest.Child1 + guest.Child2, booking.Notes, booking.Source "
+        "from booking join guest on booking.BBBookingID = guest.BBBookingID "
+        "join client on guest.BBClientID = client.BBClientID "
+        "where booking.BBBookingID = ? and guest.BBRoomID = ?"),
+        {bbBookingId, bbRoomId});
+    if (!q.next())
+        return std::nullopt;
+    QString text = clientName(fieldText(q.value(0)), fieldText(q.value(1)), fieldText(q.value(2)), fieldText(q.value(3)));
+    const QString phone = fieldText(q.value(4));
+    if (!phone.isEmpty())
+        text += QStringLiteral(" / ") + phone;
+    const int adults = q.value(5).toInt();
+    const int children = q.value(6).toInt();
+    text += QStringLiteral(" (") + QString::number(adults) + getString(5112, QStringLiteral(" adult"));
+    if (adults >= 2)
+        text += QLatin1Char('s');
+    if (children == 1)
+        text += QStringLiteral(", ") + getString(5113, QStringLiteral("1 Child"));
+    else if (children > 1)
+        text += QStringLiteral(", ") + QString::number(children) + getString(5114, QStringLiteral(" children"));
+    text += QLatin1Char(')');
+    const QString notes = fieldText(q.value(7));
+    if (!notes.isEmpty())
+        text += QLatin1Char('\n') + notes;
+    const QString source = fieldText(q.value(8));
+    if (!source.isEmpty())
+        text += QLatin1Char('\n') + getString(5115, QStringLiteral("Source: ")) + source;
+    return text;
+}
+
+} // namespace fenlark

@@ -1,0 +1,150 @@
+#pragma once
+
+#include "shell/provisional.h"
+#include "shell/session.h"
+#include "shell/ticker.h"
+
+#include <QDate>
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QAction;
+class QDateEdit;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QMenu;
+class QPlainTextEdit;
+class QPushButton;
+class QTimer;
+
+namespace fenlark {
+
+class CalendarModel;
+class CalendarView;
+class MainWindow;
+
+// Screens of later subsystems that the desk opens. Until one is connected its
+// buttons and menu entries stay disabled.
+struct DeskSeams {
+    // The booking editor on one room of a booking.
+    std::function<void(MainWindow &, qint32 bbBookingId, qint32 bbRoomId)> viewBooking;
+    // The new-booking screen for the chosen rooms and dates.
+    std::function<void(MainWindow &, const std::vector<qint32> &roomIds, QDate inDate, int nights)> confirmBooking;
+    // A synchronisation (manual: with its dialog); true when data changed.
+    std::function<bool(MainWindow &, bool manual)> synchronise;
+};
+
+// frmMain: the desk's main window. It owns the session and is where every
+// screen gets the shared data from: the database, the user, rooms, the calendar.
+class MainWindow : public QMainWindow, private TickHooks, private ProvisionalHost {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(std::unique_ptr<Session> session, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    Session &session() { return *m_session; }
+    const UserStruct &getUser() const { return m_session->getUser(); }
+    void setSeams(DeskSeams seams);
+
+    // The calendar: loads the setup, empties the cache, draws from dpFrom.
+    void initialise();
+    void initCalendar() { m_session->calendar().initCalendar(); }
+    void drawCalendar();
+    void setFromDate(QDate date);
+    QDate fromDate() const;
+    // The user's log-on (start-up and Change User); false when cancelled.
+    bool enterPassword();
+    // Closes without the unsent-changes question.
+    void endNicely();
+
+    // One tick of the ten-second timer.
+    Ticker::Result tick();
+
+    // Controls reached by tests.
+    CalendarView *calendarView() const { return m_view; }
+    CalendarModel *calendarModel() const { return m_model; }
+    QListWidget *roomList() const { return m_rooms; }
+    QLineEdit *nightsEdit() const { return m_nights; }
+    QDateEdit *inDateEdit() const { return m_inDate; }
+    QPlainTextEdit *detailsBox() const { return m_details; }
+    QPushButton *button(const QString &objectName) const;
+    QAction *menuAction(const QString &objectName) const;
+    bool roomListActive() const { return m_roomListActive; }
+
+public Q_SLOTS:
+    // cmdCheck: the free rooms for dpInDate and txtNights.
+    void checkRooms();
+    void refresh();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    // TickHooks
+    bool mainWindowActive() override;
+    void checkExpired() override;
+    void synchronise() override;
+    // ProvisionalHost
+    void restoreWindow() override;
+    void openBooking(qint32 bbBookingId, qint32 bbRoomId) override;
+
+    void buildControls();
+    void buildMenus();
+    void retranslate();
+    void updateCommandStates();
+
+    void fromDateChanged();
+    void inDateChanged();
+    void leavingChanged();
+    void nightsEdited();
+    void selectionChanged();
+    void cellDoubleClicked();
+    void headerDoubleClicked(int column, int band);
+    void fillDetails(int row, int column);
+    void clearRoomList();
+    void book();
+    void manualSynch();
+    void chooseLanguage();
+    void openColourPicker();
+    void openOptions();
+    void showAbout();
+    void changeUser();
+
+    std::unique_ptr<Session> m_session;
+    DeskSeams m_seams;
+    bool m_exitFlag = false;
+    bool m_roomListActive = false;
+    bool m_updating = false;
+    int m_selTop = -1, m_selBottom = -1;
+    std::vector<qint32> m_lastMissing;
+
+    CalendarModel *m_model = nullptr;
+    CalendarView *m_view = nullptr;
+    QTimer *m_timer = nullptr;
+    QLabel *m_viewFromLabel = nullptr;
+    QDateEdit *m_from = nullptr;
+    QLabel *m_userName = nullptr;
+    QGroupBox *m_bookBox = nullptr;
+    QLabel *m_inDateLabel = nullptr;
+    QLabel *m_leavingLabel = nullptr;
+    QLabel *m_nightsLabel = nullptr;
+    QDateEdit *m_inDate = nullptr;
+    QDateEdit *m_leaving = nullptr;
+    QLineEdit *m_nights = nullptr;
+    QWidget *m_roomsBox = nullptr;
+    QListWidget *m_rooms = nullptr;
+    QLabel *m_out = nullptr;
+    QPlainTextEdit *m_details = nullptr;
+    std::vector<QPushButton *> m_buttons;
+    std::vector<QMenu *> m_menus;
+    std::vector<QAction *> m_actions;
+};
+
+} // namespace fenlark

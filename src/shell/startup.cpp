@@ -1,0 +1,99 @@
+#include "shell/startup.h"
+
+#include "shell/backup.h"
+#include "shell/config.h"
+#include "shell/databasefiles.h"
+#include "shell/home.h"
+#include "shell/messages.h"
+#include "shell/strings.h"
+
+namespace fenlark {
+
+Startup::Startup(StartupHost &host)
+    : m_host(host)
+{
+}
+
+int Startup::startingDatabaseNumber()
+{
+    return hasMultipleDatabases() ? 1 : 0;
+}
+
+std::unique_ptr<Database> Startup::openConnection(const QString &path)
+{
+    try {
+        return Database::open(path);
+    } catch (const DatabaseOpenError &e) {
+        messages::critical(getString(5020, QStringLiteral("Could not open database (%1)")).arg(path),
+                           getString(5021, QStringLiteral("Could not open database.")));
+        return nullptr;
+    }
+}
+
+Startup::Outcome Startup::run()
+{
+    // 1. One desk per home folder.
+    m_instanceLock = std::make_unique<QLockFile>(Home::file(QStringLiteral("fenlark.lock")));
+    m_instanceLock->setStaleLockTime(0);
+    if (!m_instanceLock->tryLock(0)) {
+        messages::critical(getString(2219, QStringLiteral("The veldmoor program is already running. Use that one instead.")),
+                           getString(2220, QStringLiteral("veldmoor application already open")));
+        return AlreadyRunning;
+    }
+
+    // 2. Language: ask on "0", otherwise set it without a dialog.
+    const QString language = readConfig(QStringLiteral("Language"), QStringLiteral("0"));
+    if (language == QLatin1String("0"))
+        m_host.askLanguage();
+    else
+        StringTable::instance().setLanguage(language.toInt());
+
+    // 3. Splash.
+    m_host.showSplash();
+
+    // 5-7. Database number, open, backup.
+    const int dbNumber = startingDatabaseNumber();
+    auto db = openConnection(getDBPath(dbNumber));
+    if (!db) {
+        m_host.closeSplash();
+        return CannotOpenDatabase;
+    }
+    m_session = std::make_unique<Session>(std::move(db), dbNumber);
+    m_session->setMultipleDatabases(dbNumber > 0);
+    Backup::backupDatabase(m_session->db(), dbNumber);
+
+    // 8. A database without a property is bound to one first.
+    if (m_session->BBID() < 10000) {
+        m_host.closeSplash();
+        if (!m_host.logInProperty(*m_session))
+            return LoginCancelled;
+        m_session->refreshBBSetup();
+    }
+
+    // 9. The setup check; a failure is fatal only to a database without rooms.
+    if (!m_host.checkSetup(*m_session)) {
+        if (m_session->db().scalar(QStringLiteral("select count(*) from room")).toInt() == 0) {
+            m_host.closeSplash();
+            messages::critical(getString(5022, QStringLiteral("Cannot find any rooms under this BBID.")),
+                               getString(5023, QStringLiteral("No rooms set up.")));
+            return NoRooms;
+        }
+    }
+    m_session->refreshBBSetup();
+
+    // 10-11. The user.
+    m_host.closeSplash();
+    if (!m_host.enterPassword(*m_session))
+        return UserCancelled;
+
+    // 12. Load and draw; then the check for double bookings.
+    m_host.initialise(*m_session);
+    if (!m_host.checkDoubleBookings(*m_session))
+        return StoppedAtDoubleBookings;
+
+    // 13.
+    m_host.showMainWindow(*m_session);
+    return Running;
+}
+
+} // namespace fenlark

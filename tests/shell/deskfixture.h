@@ -1,0 +1,79 @@
+#pragma once
+
+// Small rows for the desk's tests: rooms, clients, bookings and a recording
+// message sink.
+
+#include "bookings/bookingrecords.h"
+#include "clients/clientrecords.h"
+#include "shell/database.h"
+#include "shell/messages.h"
+
+#include <QStringList>
+
+#include <vector>
+
+namespace deskfixture {
+
+inline void addRoom(fenlark::Database &db, qint32 id, const QString &name, qint32 type = 1)
+{
+    db.execute("insert into room (BBRoomID, BBRTID, RoomName, OrderBy) values(?, ?, ?, ?)", {id, type, name, id});
+}
+
+inline void addRoomType(fenlark::Database &db, qint32 id, const QString &name)
+{
+    db.execute("insert into roomtype (BBRTID, RTName, OrderBy) values(?, ?, ?)", {id, name, id});
+}
+
+inline qint32 addClient(fenlark::Database &db, const QString &first, const QString &surname, const QString &phone = {})
+{
+    fenlark::Client c;
+    c.FirstName = first;
+    c.Surname = surname;
+    c.PhoneNo = phone;
+    c.Active = "Y";
+    c.update(db);
+    return c.BBClientID;
+}
+
+// A booking of one room; returns its key.
+inline qint32 addBooking(fenlark::Database &db, qint32 room, qint32 client, QDate from, int nights,
+                         const QString &status = "C", int adults = 2, int children = 0, const QString &checkInOut = {})
+{
+    fenlark::Booking b;
+    b.BookingType = "N";
+    b.FromDate = from;
+    b.ToDate = from.addDays(nights);
+    b.Status = status;
+    b.MadeBy = client;
+    b.update(db);
+    fenlark::Guest g;
+    g.BBBookingID = b.BBBookingID;
+    g.BBRoomID = room;
+    g.BBClientID = client;
+    g.NoAdults = static_cast<qint16>(adults);
+    g.Child1 = static_cast<qint16>(children);
+    g.CheckInOut = checkInOut;
+    g.update(db);
+    return b.BBBookingID;
+}
+
+// Records the messages and answers questions from a queue (default No).
+class RecordingSink : public fenlark::MessageSink {
+public:
+    RecordingSink() { fenlark::messages::setSink(this); }
+    ~RecordingSink() override { fenlark::messages::setSink(nullptr); }
+    void show(const fenlark::UserMessage &m) override { shown << m.text; titles << m.title; }
+    bool ask(const fenlark::UserMessage &m) override
+    {
+        asked << m.title;
+        if (answers.empty())
+            return false;
+        const bool a = answers.front();
+        answers.erase(answers.begin());
+        return a;
+    }
+    QStringList shown, titles, asked;
+    std::vector<bool> answers;
+};
+
+} // namespace deskfixture

@@ -1,0 +1,325 @@
+#include "shell/calendar.h"
+#include "shell/calendargrid.h"
+#include "shell/provisional.h"
+#include "shell/session.h"
+#include "support/testdatabase.h"
+#include "deskfixture.h"
+
+#include <QtTest>
+
+using namespace fenlark;
+using namespace deskfixture;
+
+namespace {
+
+const QDate D0(2026, 3, 2);   // a Monday
+
+class FakeHost : public ProvisionalHost {
+public:
+    int restored = 0;
+    std::vector<std::pair<qint32, qint32>> opened;
+    void restoreWindow() override { ++restored; }
+    void openBooking(qint32 b, qint32 r) override { opened.emplace_back(b, r); }
+};
+
+} // namespace
+
+class TestCalendar : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fillCacheReadsOnlyDaysNotLoaded()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Anna", "Smith");
+        const qint32 b = addBooking(t.db(), 1, c, D0.addDays(2), 3);
+        Calendar cal;
+        QVERIFY(cal.fillCache(t.db(), D0, D0.addDays(9)));
+        QCOMPARE(cal.queriesRun(), 1);
+        QVERIFY(!cal.fillCache(t.db(), D0.addDays(3), D0.addDays(9)));
+        QCOMPARE(cal.queriesRun(), 1);
+        QVERIFY(cal.roomIsBooked(D0.addDays(2), 1));
+        QVERIFY(cal.roomIsBooked(D0.addDays(4), 1));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(5), 1));   // the day of leaving is free
+        QVERIFY(!cal.roomIsBooked(D0.addDays(2), 2));
+        QCOMPARE(cal.find(D0.addDays(3), 1)->BBBookingID, b);
+        QCOMPARE(cal.find(D0.addDays(2), 1), cal.find(D0.addDays(4), 1));   // one object per stay
+        QCOMPARE(cal.guestName(c).value_or(""), QString("Smi"));
+
+        // Only the new days are queried; the rows found are clipped by the
+        // arguments, so free cells of loaded days are filled as well.
+        addBooking(t.db(), 2, c, D0.addDays(8), 5);
+        addBooking(t.db(), 3, c, D0.addDays(6), 2);   // ends inside the loaded days: not read
+        QVERIFY(cal.fillCache(t.db(), D0.addDays(5), D0.addDays(14)));
+        QCOMPARE(cal.queriesRun(), 2);
+        QVERIFY(!cal.roomIsBooked(D0.addDays(6), 3));
+        QVERIFY(cal.roomIsBooked(D0.addDays(9), 2));
+        QVERIFY(cal.roomIsBooked(D0.addDays(10), 2));
+        QVERIFY(cal.roomIsBooked(D0.addDays(12), 2));
+
+        cal.initCalendar();
+        QVERIFY(cal.fillCache(t.db(), D0, D0.addDays(14)));
+        QVERIFY(cal.roomIsBooked(D0.addDays(9), 2));
+        QVERIFY(!cal.guestName(9999));
+    }
+
+    void rangesAreClippedByTheWindow()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Ben", "Jones");
+        addBooking(t.db(), 1, c, D0.addDays(-10), 30);
+        Calendar cal;
+        cal.fillCache(t.db(), D0, D0.addDays(4));
+        QCOMPARE(cal.entryCount(), qsizetype(5));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(-1), 1));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(5), 1));
+        QCOMPARE(cal.find(D0, 1)->Arrival, D0.addDays(-10));
+    }
+
+    void firstRowWinsOnAClashAndPatchesSurvive()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Carla", "Botha");
+        const qint32 first = addBooking(t.db(), 1, c, D0, 3);
+        addBooking(t.db(), 1, c, D0.addDays(1), 3);
+        Calendar cal;
+        auto patch = std::make_shared<CalendarCache>();
+        patch->BBBookingID = 777;
+        cal.addCalEntry(D0.addDays(3), 1, patch);   // a save outside the loaded window
+        cal.fillCache(t.db(), D0, D0.addDays(5));
+        QCOMPARE(cal.find(D0.addDays(1), 1)->BBBookingID, first);
+        QCOMPARE(cal.find(D0.addDays(2), 1)->BBBookingID, first);
+        QCOMPARE(cal.find(D0.addDays(3), 1)->BBBookingID, 777);
+        cal.deleteCalEntry(1, D0.addDays(3));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(3), 1));
+        QCOMPARE(cal.getCalendarCache(D0.addDays(20), 5)->BBBookingID, 0);
+        QVERIFY(cal.roomIsBooked(D0.addDays(20), 5));
+    }
+
+    void cellStatusShowsCheckInStateOfConfirmedOnly_data()
+    {
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("checkInOut");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("plain") << "P" << "" << "P";
+        QTest::newRow("checked in") << "C" << "I" << "I";
+        QTest::newRow("checked out") << "C" << "K" << "K";
+        QTest::newRow("paid, in") << "S" << "I" << "S";
+    }
+
+    void cellStatusShowsCheckInStateOfConfirmedOnly()
+    {
+        QFETCH(QString, status);
+        QFETCH(QString, checkInOut);
+        QFETCH(QString, shown);
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "D", "E");
+        addBooking(t.db(), 1, c, D0, 1, status, 2, 0, checkInOut);
+        Calendar cal;
+        cal.fillCache(t.db(), D0, D0);
+        QCOMPARE(cal.find(D0, 1)->Status, shown);
+    }
+
+    void cellTextsAndColours()
+    {
+        CalendarCache e;
+        e.Arrival = D0;
+        e.NoAdults = 2;
+        e.Children = 1;
+        e.Status = "C";
+        QCOMPARE(cellText(e, D0, "Smi"), QString("2+1\nSmi"));
+        QCOMPARE(cellText(e, D0.addDays(1), "Smi"), QString("\nSmi"));
+        e.Children = 0;
+        QCOMPARE(cellText(e, D0, "Smi"), QString("2\nSmi"));
+        e.Status = "U";
+        QCOMPARE(cellText(e, D0, "Smi"), QString("\nSmi"));
+
+        TestDatabase t;
+        StatusColours colours;
+        colours.load(t.db());
+        bool unknown = true;
+        QCOMPARE(cellColour("I", colours, &unknown), calendarcolours::CheckedIn);
+        QVERIFY(!unknown);
+        QCOMPARE(cellColour("K", colours), calendarcolours::CheckedOut);
+        QCOMPARE(cellColour("S", colours), (Rgb{170, 220, 130}));
+        QCOMPARE(cellColour("X", colours, &unknown), (Rgb{220, 220, 220}));
+        QVERIFY(unknown);
+    }
+
+    void gridDrawsUnknownStatusAndMissingClientWithoutFailing()
+    {
+        TestDatabase t;
+        addRoomType(t.db(), 1, "Double");
+        addRoom(t.db(), 1, "Room 1");
+        addRoom(t.db(), 2, "Room 2");
+        const qint32 c = addClient(t.db(), "Eve", "Naidoo");
+        addBooking(t.db(), 1, c, D0.addDays(1), 2, "X");
+        const qint32 orphan = addBooking(t.db(), 2, 4242, D0, 2);
+        t.db().execute("insert into event (EventIndex, FromDate, ToDate, EventNote) values(2, ?, ?, 'Fair')",
+                       {sqlDate(D0.addDays(5)), sqlDate(D0.addDays(6))});
+        Session session(Database::open(t.file("test.db")), 0);
+        session.reloadSetup();
+        CalendarGrid grid;
+        grid.build(session, D0, 7, D0.addDays(2));
+        QCOMPARE(grid.rooms(), 2);
+        QCOMPARE(grid.days(), 7);
+        QCOMPARE(grid.cell(0, 1).back, calendarcolours::UnknownStatus);
+        QCOMPARE(grid.cell(0, 1).text, QString("X 2\nNai"));
+        QCOMPARE(grid.cell(0, 0).back, calendarcolours::Free);
+        QCOMPARE(grid.cell(1, 1).text, QString("\n???"));
+        QCOMPARE(grid.missingClients(), std::vector<qint32>{orphan});
+        QVERIFY(grid.header(2).today);
+        QVERIFY(grid.header(5).weekend && grid.header(6).weekend && !grid.header(4).weekend);
+        QCOMPARE(grid.header(5).band[0], calendarcolours::Weekend);
+        QCOMPARE(grid.header(5).band[1], calendarcolours::EventRow[1]);
+        QCOMPARE(grid.header(1).band[1], calendarcolours::Weekday);
+        QVERIFY(grid.header(6).event[1] && !grid.header(4).event[1]);
+    }
+
+    void dayColumnsFollowTheWidth_data()
+    {
+        QTest::addColumn<int>("twips");
+        QTest::addColumn<int>("columns");
+        QTest::newRow("1000 twips") << 1000 << 3;
+        QTest::newRow("zero") << 0 << 1;
+        QTest::newRow("half rounds up") << 765 << 3;
+        QTest::newRow("below half") << 764 << 2;
+        QTest::newRow("wide") << 15300 << 31;
+    }
+
+    void dayColumnsFollowTheWidth()
+    {
+        QFETCH(int, twips);
+        QFETCH(int, columns);
+        QCOMPARE(dayColumnsForWidth(twips), columns);
+    }
+
+    void selectionGivesTheSameRequestInBothDirections()
+    {
+        const GridSelection forward = GridSelection::ordered(1, 3, 4, 6);
+        const GridSelection backward = GridSelection::ordered(4, 6, 1, 3);
+        const GridSelection crossed = GridSelection::ordered(4, 3, 1, 6);
+        QCOMPARE(forward.top, backward.top);
+        QCOMPARE(forward.right, backward.right);
+        QCOMPARE(crossed.bottom, 4);
+        QCOMPARE(crossed.left, 3);
+        const BookingRequest r = bookingRequestFor(D0, backward);
+        QCOMPARE(r.inDate, D0.addDays(3));
+        QCOMPARE(r.nights, 4);
+        QCOMPARE(r.firstRoom, 1);
+        QCOMPARE(r.lastRoom, 4);
+        QCOMPARE(bookingRequestFor(D0, GridSelection::ordered(2, 0, 2, 0)).nights, 1);
+    }
+
+    void freeRoomsLeaveOutRoomsTakenOnAnyNight()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "F", "G");
+        addBooking(t.db(), 2, c, D0.addDays(3), 2);   // nights 3 and 4
+        addBooking(t.db(), 3, c, D0.addDays(-2), 2);  // leaves on D0
+        Calendar cal;
+        QCOMPARE(freeRooms(t.db(), cal, {1, 2, 3}, D0, 3), (std::vector<qint32>{1, 2, 3}));
+        QCOMPARE(freeRooms(t.db(), cal, {1, 2, 3}, D0, 4), (std::vector<qint32>{1, 3}));
+        QCOMPARE(freeRooms(t.db(), cal, {3, 2, 1}, D0.addDays(4), 1), (std::vector<qint32>{3, 1}));
+        QCOMPARE(freeRooms(t.db(), cal, {1}, D0, 0), std::vector<qint32>{});
+    }
+
+    void nightsEntryIsChecked_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("empty") << "" << "Incomplete number of nights";
+        QTest::newRow("zero") << "0" << "Type in a positive number of nights";
+        QTest::newRow("letters") << "ab" << "Type in a positive number of nights";
+        QTest::newRow("good") << "3" << "";
+    }
+
+    void nightsEntryIsChecked()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, title);
+        RecordingSink sink;
+        QCOMPARE(checkNights(text), title.isEmpty());
+        QCOMPARE(sink.titles, title.isEmpty() ? QStringList() : QStringList{title});
+    }
+
+    void eventChecksRunInOrderAndLeaveTheEventItselfOut()
+    {
+        TestDatabase t;
+        EventData e;
+        e.EventIndex = 1;
+        e.FromDate = D0;
+        e.ToDate = D0.addDays(3);
+        e.EventNote = "Holiday";
+        e.update(t.db());
+        RecordingSink sink;
+        QVERIFY(!EventRules::validate(t.db(), " ", D0.addDays(5), D0, 1, 0));
+        QVERIFY(!EventRules::validate(t.db(), "x", D0.addDays(5), D0, 1, 0));
+        QVERIFY(!EventRules::validate(t.db(), "x", D0.addDays(3), D0.addDays(5), 1, 0));
+        QCOMPARE(sink.titles, (QStringList{"No event text entered", "Incorrect dates", "Overlapping event dates"}));
+        QVERIFY(EventRules::validate(t.db(), "x", D0.addDays(4), D0.addDays(4), 1, 0));   // one day, just after
+        QVERIFY(EventRules::validate(t.db(), "x", D0, D0.addDays(3), 2, 0));              // another header row
+        QVERIFY(EventRules::validate(t.db(), "x", D0.addDays(-1), D0.addDays(2), 1, e.BBEventID));
+        QCOMPARE(sink.titles.size(), 3);
+
+        CalendarEvents events;
+        events.load(t.db(), D0.addDays(2), D0.addDays(10));
+        QVERIFY(events.find(D0.addDays(3), 1));
+        QVERIFY(!events.find(D0.addDays(4), 1));
+        QVERIFY(!events.find(D0.addDays(3), 2));
+        QVERIFY(!events.find(D0, 1));   // outside the window
+    }
+
+    void provisionalBookingsPastTheirHoldAreRemindedOnce()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Hugo", "Ramos");
+        const QDateTime now(QDate(2026, 3, 1), QTime(12, 0));
+        auto hold = [&](qint32 id, const QDateTime &until) {
+            t.db().execute("update booking set ReservedUntil = ? where BBBookingID = ?", {sqlDateTime(until), id});
+        };
+        const qint32 expired = addBooking(t.db(), 4, c, D0, 2, "P");
+        hold(expired, now.addSecs(-60));
+        const qint32 later = addBooking(t.db(), 5, c, D0, 2, "P");
+        hold(later, now.addSecs(3600));
+        const qint32 reserved = addBooking(t.db(), 6, c, D0, 2, "R");
+        hold(reserved, now.addSecs(-60));
+        const qint32 second = addBooking(t.db(), 7, c, D0, 2, "P");
+        hold(second, now.addSecs(-3600));
+        t.db().execute("delete from dblog");
+
+        RecordingSink sink;
+        sink.answers = {true, false};
+        FakeHost host;
+        QCOMPARE(Provisional::checkExpired(t.db(), host, now), 2);
+        QCOMPARE(sink.asked.size(), 2);
+        QVERIFY(sink.asked[0].startsWith("Booking Reminder - Hugo Ramos arriving "));
+        QCOMPARE(host.opened, (std::vector<std::pair<qint32, qint32>>{{expired, 4}}));
+        QCOMPARE(host.restored, 2);
+
+        Booking b;
+        QVERIFY(b.fetch(t.db(), second));
+        QCOMPARE(b.ReservedUntil, now.addSecs(4 * 3600));
+        QCOMPARE(t.db().scalar("select count(*) from dblog where TableName = 'booking' and bbtableId = ?", {second}).toInt(), 1);
+
+        // The one opened is left as it was, so it comes back; the postponed one waits.
+        sink.answers = {false};
+        QCOMPARE(Provisional::checkExpired(t.db(), host, now.addSecs(60)), 1);
+        QCOMPARE(Provisional::checkExpired(t.db(), host, now.addSecs(5 * 3600)), 3);
+    }
+
+    void detailsDescribeTheParty()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Anna", "Smith", "021 555");
+        const qint32 b = addBooking(t.db(), 1, c, D0, 2, "C", 2, 1);
+        t.db().execute("update booking set Notes = 'Late', Source = 'Web' where BBBookingID = ?", {b});
+        QCOMPARE(bookingDetails(t.db(), b, 1).value_or(""), QString("Anna Smith / 021 555 (2 adults, 1 Child)\nLate\nSource: Web"));
+        const qint32 b2 = addBooking(t.db(), 2, c, D0, 2, "C", 1, 3);
+        QCOMPARE(bookingDetails(t.db(), b2, 2).value_or(""), QString("Anna Smith / 021 555 (1 adult, 3 children)"));
+        QVERIFY(!bookingDetails(t.db(), b2, 9));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCalendar)
+#include "test_calendar.moc"

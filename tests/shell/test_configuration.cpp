@@ -1,0 +1,149 @@
+#include "shell/config.h"
+#include "shell/databasefiles.h"
+#include "shell/home.h"
+#include "shell/inifile.h"
+#include "support/recordingsink.h"
+
+#include <QtTest>
+
+using namespace fenlark;
+
+class TestConfiguration : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_home;
+
+    QString configText()
+    {
+        QFile f(configPath());
+        f.open(QIODevice::ReadOnly);
+        return QString::fromUtf8(f.readAll());
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        QFile::remove(m_home.filePath("vmconfig.ini"));
+        Home::setPath(m_home.path());
+    }
+
+    void valuesSurviveARoundTripVerbatim_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::newRow("backslashes") << R"(c:\data\veldmoor\file.db)";
+        QTest::newRow("braces") << "{Main Lodge}/srv/data/main.db";
+        QTest::newRow("commas") << "a,b, c";
+        QTest::newRow("equals and semicolon") << "x=y;z";
+        QTest::newRow("non-latin") << QString::fromUtf8("Ñandú 東京");
+        QTest::newRow("percent") << "%HOME%/x";
+    }
+    void valuesSurviveARoundTripVerbatim()
+    {
+        QFETCH(QString, value);
+        QVERIFY(writeConfig("Database1", value));
+        QCOMPARE(readConfig("Database1", "none"), value);
+    }
+
+    void missingFileAndKeyGiveTheDefault()
+    {
+        QCOMPARE(readConfig("LogLimit", "300"), QString("300"));
+        writeConfig("Proxy", "proxy:8080");
+        QCOMPARE(readConfig("LogLimit", "300"), QString("300"));
+        QCOMPARE(config::logLimit(), 300);
+    }
+
+    void keysMatchWithoutCaseAndWritesKeepOtherLines()
+    {
+        QFile f(configPath());
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("; written by hand\n[Other]\nServer=elsewhere\n[param]\nserver = \"host:81\"\nAutoSynch=N\n");
+        f.close();
+        QCOMPARE(readConfig("Server", ""), QString("host:81"));
+        QVERIFY(writeConfig("SERVER", "host:82"));
+        QCOMPARE(readConfig("Server", ""), QString("host:82"));
+        const QString text = configText();
+        QVERIFY(text.contains("; written by hand"));
+        QVERIFY(text.contains("[Other]\nServer=elsewhere"));
+        QVERIFY(text.contains("AutoSynch=N"));
+        QCOMPARE(text.count("host:82"), 1);
+    }
+
+    void longValuesAreCutAt255()
+    {
+        writeConfig("Notes", QString(400, 'x'));
+        QCOMPARE(readConfig("Notes", "").size(), 255);
+    }
+
+    void theValueIsReadAfreshOnEveryCall()
+    {
+        writeConfig("LogLimit", "50");
+        QCOMPARE(config::logLimit(), 50);
+        IniFile(configPath()).write("Param", "LogLimit", "70");
+        QCOMPARE(config::logLimit(), 70);
+        writeConfig("LogLimit", "lots");
+        QCOMPARE(config::logLimit(), 300);
+    }
+
+    void singleDatabaseDefaultIsWrittenBack()
+    {
+        QCOMPARE(getDBPath(0), m_home.filePath("Veldmoor.db"));
+        QVERIFY(configText().contains("Database=" + m_home.filePath("Veldmoor.db")));
+        writeConfig("Database", "/data/other.db");
+        QCOMPARE(getDBPath(0), QString("/data/other.db"));
+    }
+
+    void multipleDatabasesAreReadByPosition()
+    {
+        writeConfig("Database1", "{Main}/srv/a.db");
+        writeConfig("Database2", "{Beach}/srv/odd}name.db");
+        QVERIFY(hasMultipleDatabases());
+        QCOMPARE(databaseCount(), 2);
+        QCOMPARE(getDBPath(2), QString("/srv/odd}name.db"));
+        QCOMPARE(getDBName(1), QString("Main"));
+        QCOMPARE(getDBPath(3), QString());
+    }
+
+    void secondDatabaseWithoutFirstMeansSingle()
+    {
+        writeConfig("Database2", "{Beach}/srv/b.db");
+        QVERIFY(!hasMultipleDatabases());
+        QCOMPARE(databaseCount(), 0);
+    }
+
+    void malformedEntryShowsTheConfigurationMessage()
+    {
+        RecordingSink sink;
+        writeConfig("Database1", "/srv/a.db");
+        QCOMPARE(getDBName(1), QString());
+        QCOMPARE(sink.shown.size(), 1);
+        QCOMPARE(sink.shown[0].title, QString("Incorrect config entries."));
+        QVERIFY(sink.shown[0].text.startsWith("Your configuration file does not look correct."));
+    }
+
+    void backupAndInvoiceFoldersDefaultIntoTheHome()
+    {
+        QCOMPARE(getBackupDir(), m_home.filePath("vmbackup"));
+        QCOMPARE(readConfig("BackupDir", ""), m_home.filePath("vmbackup"));
+        QCOMPARE(config::invoiceDir(3), m_home.filePath("invoices3"));
+        QVERIFY(QDir(m_home.filePath("invoices3")).exists());
+        QCOMPARE(readConfig("InvoiceDir3", ""), m_home.filePath("invoices3"));
+        QCOMPARE(config::templateDir(), m_home.path() + "/");
+    }
+
+    void homeComesFromArgumentThenEnvironmentThenXdg()
+    {
+        QCOMPARE(Home::resolve("/tmp/explicit"), QString("/tmp/explicit"));
+        qputenv("FENLARK_HOME", "/tmp/fromenv");
+        QCOMPARE(Home::resolve(), QString("/tmp/fromenv"));
+        qunsetenv("FENLARK_HOME");
+        qputenv("XDG_DATA_HOME", "/tmp/xdg");
+        QCOMPARE(Home::resolve(), QString("/tmp/xdg/fenlark"));
+        QStringList args = {"--demo", "--home", "/x", "more"};
+        QCOMPARE(Home::takeHomeArgument(args), QString("/x"));
+        QCOMPARE(args, QStringList({"--demo", "more"}));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestConfiguration)
+#include "test_configuration.moc"

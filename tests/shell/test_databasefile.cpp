@@ -1,0 +1,190 @@
+#include "shell/backup.h"
+#include "shell/config.h"
+#include "shell/database.h"
+#include "shell/home.h"
+#include "shell/schema.h"
+#include "shell/setuprecords.h"
+#include "support/testdatabase.h"
+
+#include <QCryptographicHash>
+#include <QtTest>
+
+using namespace fenlark;
+
+namespace {
+QByteArray digest(const QString &path)
+{
+    QFile f(path);
+    f.open(QIODevice::ReadOnly);
+    return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    f.open(QIODevice::WriteOnly);
+    f.write(bytes);
+}
+} // namespace
+
+class TestDatabaseFile : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void newFileGetsTheFullSchemaAndVersion()
+    {
+        TestDatabase t;
+        for (const QString &table : Schema::sharedTables() + Schema::serverTables())
+            QVERIFY2(t.db().tableExists(table), qPrintable(table));
+        for (const char *table : {"bookingdel", "guestdel", "dailyrate", "newbooking", "dblog", "synchlock", "audit",
+                                  "preference", "status", "trantype", "currencycode", "clientxsort"})
+            QVERIFY2(t.db().tableExists(table), table);
+        QCOMPARE(t.db().scalar("select VersionNo from vmversion").toString(), QString::number(Schema::currentVersion()));
+        QCOMPARE(t.db().scalar("select count(*) from status").toInt(), 7);
+        QVERIFY(BBSetup::isSetupEmpty(t.db()));
+    }
+
+    void anEmptyFileIsMadeIntoADatabase()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("empty.db");
+        writeFile(path, {});
+        auto db = Database::open(path);
+        QVERIFY(db->tableExists("booking"));
+    }
+
+    void filesThatAreNotOursAreRefusedAndLeftUntouched_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("text") << QByteArray("this is not a database\n");
+        QTest::newRow("random bytes") << QByteArray(5000, '\x9c');
+        QTest::newRow("sqlite header then garbage") << QByteArray("SQLite format 3\0", 16) + QByteArray(4096, '\x01');
+    }
+    void filesThatAreNotOursAreRefusedAndLeftUntouched()
+    {
+        QFETCH(QByteArray, content);
+        QTemporaryDir dir;
+        const QString path = dir.filePath("other.db");
+        writeFile(path, content);
+        const QByteArray before = digest(path);
+        QVERIFY_THROWS_EXCEPTION(DatabaseOpenError, Database::open(path));
+        QCOMPARE(digest(path), before);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"other.db"});
+    }
+
+    void anotherProgramsSqliteDatabaseIsRefused()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("foreign.db");
+        {
+            QSqlDatabase raw = QSqlDatabase::addDatabase("QSQLITE", "foreign");
+            raw.setDatabaseName(path);
+            raw.open();
+            QSqlQuery(raw).exec("create table notes (x text)");
+            raw.close();
+        }
+        QSqlDatabase::removeDatabase("foreign");
+        const QByteArray before = digest(path);
+        QVERIFY_THROWS_EXCEPTION(DatabaseOpenError, Database::open(path));
+        QCOMPARE(digest(path), before);
+    }
+
+    void innerTransactionRollsBackAloneOuterCommits()
+    {
+        TestDatabase t;
+        {
+            Transaction outer(t.db());
+            t.db().execute("insert into preference (prefcode, prefvalue) values ('A', '1')");
+            try {
+                Transaction inner(t.db());
+                t.db().execute("insert into preference (prefcode, prefvalue) values ('B', '1')");
+                t.db().execute("insert into preference (prefcode, prefvalue) values ('A', 'duplicate')");
+                inner.commit();
+            } catch (const DatabaseError &) {
+            }
+            outer.commit();
+        }
+        QCOMPARE(t.db().scalar("select group_concat(prefcode) from preference").toString(), QString("A"));
+        QCOMPARE(t.db().transactionDepth(), 0);
+    }
+};
+
+class TestBackup : public QObject {
+    Q_OBJECT
+
+private:
+    static QStringList files(const QString &dir)
+    {
+        return QDir(dir).entryList(QDir::Files, QDir::Name);
+    }
+    static qint32 markerIn(const QString &path)
+    {
+        auto db = Database::open(path);
+        return db->scalar("select count(*) from client").toInt();
+    }
+    static void addClient(Database &db)
+    {
+        db.execute("insert into client (Surname) values ('x')");
+    }
+
+private Q_SLOTS:
+    void rotationKeepsFourAndOneFilePerMonth()
+    {
+        TestDatabase t;
+        const QString dir = t.file("vmbackup");
+        for (int run = 1; run <= 5; ++run) {
+            addClient(t.db());
+            const QDate day = run <= 3 ? QDate(2026, 10, 30) : QDate(2026, 11, 2);
+            QVERIFY(Backup::backupDatabase(t.db(), 0, day));
+        }
+        QCOMPARE(files(dir), QStringList({"2026Nov.db", "2026Oct.db", "veldmoor-1.db", "veldmoor-2.db", "veldmoor-3.db", "veldmoor-4.db"}));
+        QCOMPARE(markerIn(dir + "/veldmoor-1.db"), 5);
+        QCOMPARE(markerIn(dir + "/veldmoor-4.db"), 2);
+        QCOMPARE(markerIn(dir + "/2026Oct.db"), 3); // the last backup of October stays for good
+        QCOMPARE(markerIn(dir + "/2026Nov.db"), 5);
+    }
+
+    void numberedDatabasesUseTheirOwnNamesAndTemplates()
+    {
+        TestDatabase t;
+        for (const QString &name : Backup::templateFileNames(12))
+            writeFile(t.file(name), "template");
+        QFile::remove(t.file("invoice12.xlsx")); // a missing template is skipped quietly
+        QVERIFY(Backup::backupDatabase(t.db(), 12, QDate(2026, 11, 23)));
+        QCOMPARE(files(t.file("vmbackup")),
+                 QStringList({"2026NovDB12.db", "Confirmation12.docx", "DB12-1.db", "Registration12.docx", "proforma12.xlsx"}));
+    }
+
+    void onlyAnExactYTurnsTheBackupOff()
+    {
+        TestDatabase t;
+        writeConfig("NoBackup", "y");
+        QVERIFY(Backup::backupDatabase(t.db(), 0));
+        writeConfig("NoBackup", "Y");
+        QFile::remove(t.file("vmbackup/veldmoor-1.db"));
+        QVERIFY(!Backup::backupDatabase(t.db(), 0));
+        QVERIFY(!QFile::exists(t.file("vmbackup/veldmoor-1.db")));
+    }
+
+    void anUnwritableBackupFolderSkipsTheBackupAndHarmsNothing()
+    {
+        TestDatabase t;
+        addClient(t.db());
+        QVERIFY(Backup::backupDatabase(t.db(), 0));
+        const QByteArray kept = digest(t.file("vmbackup/veldmoor-1.db"));
+        writeConfig("BackupDir", t.file("nofolder/below/backup")); // only one level is made
+        addClient(t.db());
+        QVERIFY(!Backup::backupDatabase(t.db(), 0));
+        QCOMPARE(t.db().scalar("select count(*) from client").toInt(), 2);
+        QCOMPARE(digest(t.file("vmbackup/veldmoor-1.db")), kept);
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    TestDatabaseFile a;
+    TestBackup b;
+    return QTest::qExec(&a, argc, argv) | QTest::qExec(&b, argc, argv);
+}
+#include "test_databasefile.moc"

@@ -1,0 +1,92 @@
+#include "accounts/paymenttypes.h"
+#include "clients/clientnames.h"
+#include "shell/propertyinfo.h"
+#include "shell/schema.h"
+#include "shell/textformat.h"
+#include "support/recordingsink.h"
+#include "support/testdatabase.h"
+
+#include <QtTest>
+
+using namespace fenlark;
+
+class TestHelpers : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void paymentTypesHaveTheirNames()
+    {
+        QCOMPARE(paymentTypeName("2"), QString("Credit Card"));
+        QCOMPARE(paymentTypeName("9"), QString("Unknown Type"));
+        QCOMPARE(paymentTypeName(""), QString("Unknown Type"));
+    }
+
+    void numbersAndAmounts()
+    {
+        QCOMPARE(safeDouble("12.5"), 12.5);
+        QCOMPARE(safeDouble(""), 0.0);
+        QCOMPARE(safeDouble("12,5x"), 0.0);
+        QCOMPARE(safeDouble("1e999"), 0.0);
+        QCOMPARE(formatAmount(1234.5), QString("1234.50"));
+        QCOMPARE(formatAmount(2.675), QString("2.67"));
+        QCOMPARE(formatAmount(-0.001), QString("0.00"));
+        QCOMPARE(formatAmount(-12.345), QString("-12.35"));
+        QVERIFY(formatCurrency(5).endsWith("5.00"));
+        QCOMPARE(numericKey('7'), int('7'));
+        QCOMPARE(numericKey(8), 8);
+        QCOMPARE(numericKey(','), int(','));
+        QCOMPARE(numericKey('a'), 0);
+        QCOMPARE(numericKey('-'), 0);
+    }
+
+    void datesInTextAreLocaleFree()
+    {
+        QLocale::setDefault(QLocale(QLocale::German));
+        QCOMPARE(dateLiteral(QDate(2008, 3, 9)), QString("#2008-03-09#"));
+        QCOMPARE(calendarKey(QDate(2008, 3, 9)), QString("09/03/08"));
+        QLocale::setDefault(QLocale::c());
+        QCOMPARE(parseDate("09/03/2008").date(), QDate(2008, 3, 9));
+        QCOMPARE(parseDate("09/03/08").date(), QDate(2008, 3, 9));
+        QCOMPARE(parseDate("09/03/08 14:30:05"), QDateTime(QDate(2008, 3, 9), QTime(14, 30, 5)));
+        QVERIFY(!parseDate("31/02/2008").isValid());
+        QVERIFY(!parseDate("ab/cd/ef").isValid());
+        QVERIFY(!parseDate("").isValid());
+    }
+
+    void textHelpers()
+    {
+        QCOMPARE(columnLetter(1), QString("A"));
+        QCOMPARE(columnLetter(26), QString("Z"));
+        QCOMPARE(columnLetter(27), QString("AA"));
+        QCOMPARE(columnLetter(703), QString("AAA"));
+        QCOMPARE(columnLetter(0), QString());
+        QCOMPARE(flattenLines("one\r\ntwo\rthree"), QString("one / two / three"));
+        QCOMPARE(fieldText(QVariant()), QString());
+        QCOMPARE(fieldText(QVariant("  x ")), QString("x"));
+    }
+
+    void lookupsAgainstTheDatabase()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        QCOMPARE(getClientName(t.db(), 42), QString("Unknown client - ID 42"));
+        QCOMPARE(sink.shown.size(), 1);
+        QCOMPARE(sink.shown[0].title, QString("Missing client information"));
+        t.db().execute("insert into client (BBClientID, Title, FirstName, Surname) values (7, 'Mr', 'Seán', 'O''Brien')");
+        QCOMPARE(getClientName(t.db(), 7), QString::fromUtf8("Mr Seán O'Brien"));
+        t.db().execute("insert into clientextra (BBClientID, FieldType, FieldValue) values (7, 'Fax \"home\"', '021')");
+        QCOMPARE(getClientExtra(t.db(), 7, "Fax \"home\""), QString("021"));
+        QCOMPARE(getClientExtra(t.db(), 7, "Cell"), QString());
+        QCOMPARE(getVersionInfo(t.db()).value(1), QString::number(Schema::currentVersion()));
+        QVERIFY(getVersionInfo(t.db()).value(0).startsWith("fenlark "));
+        QCOMPARE(getGuestRoomName(t.db(), 3), QString("Error: No room name"));
+        t.db().execute("insert into bbsetup (BBID, CurrencyCode) values (12345, 'ZAR')");
+        t.db().execute("insert into ratesheet (BBRateSheetID, RateCode, CurrencyCode) values (1, 'RACK', 'ZAR')");
+        QVERIFY(!hasOtherCurrency(t.db()));
+        t.db().execute("insert into ratesheet (BBRateSheetID, RateCode, CurrencyCode) values (2, 'USD', 'USD')");
+        QVERIFY(hasOtherCurrency(t.db()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHelpers)
+#include "test_helpers.moc"

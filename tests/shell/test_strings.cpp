@@ -1,0 +1,61 @@
+#include "shell/strings.h"
+
+#include <QtTest>
+
+using namespace fenlark;
+
+class TestStrings : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bothLanguagesHoldTheSameIds()
+    {
+        const auto en = StringTable::load(EnglishLanguage);
+        const auto es = StringTable::load(SpanishLanguage);
+        QVERIFY(en.size() > 150);
+        QSet<int> enIds(en.keyBegin(), en.keyEnd());
+        QSet<int> esIds(es.keyBegin(), es.keyEnd());
+        QCOMPARE(enIds - esIds, QSet<int>());
+        QCOMPARE(esIds - enIds, QSet<int>());
+        for (auto it = es.cbegin(); it != es.cend(); ++it)
+            QVERIFY2(!it.value().isEmpty(), qPrintable(QString::number(it.key())));
+    }
+
+    void tablesKeepBlanksAmpersandsAndPlaceholders()
+    {
+        const auto en = StringTable::load(EnglishLanguage);
+        const auto es = StringTable::load(SpanishLanguage);
+        QCOMPARE(en.value(2318), QString(" You have not synchronised. Are you sure you want to exit?"));
+        QCOMPARE(en.value(1698), QString("Event note for: "));
+        QCOMPARE(en.value(1320), QString("&View/Cancel  Booking"));
+        for (auto it = en.cbegin(); it != en.cend(); ++it) {
+            const QString other = es.value(it.key());
+            QVERIFY2(it.value().contains("%1") == other.contains("%1"), qPrintable(QString::number(it.key())));
+            QVERIFY2(it.value().startsWith(' ') == other.startsWith(' '), qPrintable(QString::number(it.key())));
+            QVERIFY2(it.value().endsWith(' ') == other.endsWith(' '), qPrintable(QString::number(it.key())));
+        }
+    }
+
+    void lookupFollowsTheLanguageAndFallsBackToTheDefault()
+    {
+        StringTable &table = StringTable::instance();
+        table.setLanguage(SpanishLanguage);
+        QCOMPARE(getString(1691, "There are no rooms free for these dates."), QString("No hay habitaciones libres para estas fechas."));
+        QCOMPARE(getString(99999, "Caller's own text"), QString("Caller's own text"));
+        table.setLanguage(EnglishLanguage);
+        QCOMPARE(getString(1691, "x"), QString("There are no rooms free for these dates."));
+        QCOMPARE(getString(99999, "Alojamiento:"), QString("Alojamiento:"));
+        table.setLanguage(1040);
+        QCOMPARE(table.language(), EnglishLanguage);
+    }
+
+    void languageNames()
+    {
+        QCOMPARE(StringTable::languageName(1033), QString("English (United States)"));
+        QCOMPARE(StringTable::languageName(3082), QString("Spanish (International)"));
+        QCOMPARE(StringTable::languageName(7), QString("Invalid Language Index"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStrings)
+#include "test_strings.moc"
