@@ -15,27 +15,32 @@ QString demoServerDatabase()
     return Home::file(QStringLiteral("demo-server.db"));
 }
 
-QString startDemoServer(const QString &deskDatabasePath, QObject *parent, QString *error)
+QString startDemoServer(const QString &deskDatabasePath, QObject *parent, QString *error, const QString &programDir)
 {
     const auto failWith = [&](const QString &why) {
         if (error)
             *error = why;
         return QString();
     };
-    const QString program = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("fenlark-server"));
+    const QString program = QDir(programDir.isEmpty() ? QCoreApplication::applicationDirPath() : programDir)
+                                .filePath(QStringLiteral("fenlark-server"));
     if (!QFileInfo(program).isExecutable())
         return failWith(QStringLiteral("%1 is not there").arg(program));
 
-    auto *process = new QProcess(parent);
+    auto *process = new QProcess;
+    // The server lives as long as its owner; ending it first keeps QProcess quiet.
+    QObject::connect(parent, &QObject::destroyed, [process] {
+        process->kill();
+        process->waitForFinished(2000);
+        delete process;
+    });
     process->setProgram(program);
     process->setArguments({QStringLiteral("serve"), QStringLiteral("--db"), demoServerDatabase(), QStringLiteral("--port"),
                            QStringLiteral("0"), QStringLiteral("--seed"), deskDatabasePath});
     process->setProcessChannelMode(QProcess::SeparateChannels);
     process->start();
-    if (!process->waitForStarted(5000)) {
-        delete process;
+    if (!process->waitForStarted(5000))
         return failWith(QStringLiteral("fenlark-server did not start"));
-    }
     // The server says "listening on PORT" once it accepts connections.
     QByteArray said;
     while (!said.contains('\n') && process->waitForReadyRead(10000))
@@ -44,8 +49,6 @@ QString startDemoServer(const QString &deskDatabasePath, QObject *parent, QStrin
     if (!line.startsWith("listening on ")) {
         const QString why = QString::fromUtf8(process->readAllStandardError()).trimmed();
         process->kill();
-        process->waitForFinished(2000);
-        delete process;
         return failWith(QStringLiteral("fenlark-server did not listen: ") + why);
     }
     const QString address = QStringLiteral("127.0.0.1:") + QString::fromLatin1(line.mid(13));

@@ -2,7 +2,10 @@
 #include "server/referenceserver.h"
 #include "shell/changelog.h"
 #include "shell/database.h"
+#include "shell/config.h"
+#include "synch/demoserver.h"
 #include "synch/synch.h"
+#include "synch/synchrun.h"
 #include "synch/transport.h"
 
 #include "support/testdatabase.h"
@@ -274,6 +277,25 @@ private Q_SLOTS:
         rig.db().execute(QStringLiteral("update synchlock set locktime = ?"), {sqlDateTime(QDateTime::currentDateTime().addSecs(-301))});
         QVERIFY(rig.run());
         rig.verifyInStep();
+    }
+
+    void demoServerStartsSeededAndAnswers()
+    {
+        const QString dir = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral(".."));
+        if (!QFileInfo(QDir(dir).filePath(QStringLiteral("fenlark-server"))).isExecutable())
+            QSKIP("fenlark-server is not built beside the tests");
+        TestDatabase t;
+        t.db().execute(QStringLiteral("insert into bbsetup (BBID, BBName, Password) values (?,?,?)"), {Bbid, QStringLiteral("Demo"), Password});
+        t.db().execute(QStringLiteral("insert into room (BBRoomID, RoomName) values (1, 'Heron')"));
+        QObject owner;
+        QString error;
+        const QString address = startDemoServer(t.db().path(), &owner, &error, dir);
+        QVERIFY2(!address.isEmpty(), qPrintable(error));
+        QCOMPARE(readConfig(QStringLiteral("Server"), QString()), address);
+        QVERIFY(QFile::exists(demoServerDatabase()));
+        QVERIFY(runSynch(t.db(), false));
+        QCOMPARE(t.db().scalar(QStringLiteral("select RoomName from room")).toString(), QStringLiteral("Heron"));
+        QVERIFY(t.db().scalar(QStringLiteral("select SynchCounter from bbsetup")).toInt() > 0);
     }
 
     void wrongPasswordFailsTheRunAndChangesNothing()
