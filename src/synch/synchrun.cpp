@@ -1,9 +1,9 @@
 #include "synch/synchrun.h"
 
 #include "clients/clientnames.h"
-#include "shell/changelog.h"
 #include "shell/config.h"
 #include "shell/database.h"
+#include "shell/messages.h"
 #include "shell/propertyinfo.h"
 #include "shell/setuprecords.h"
 #include "shell/strings.h"
@@ -17,23 +17,11 @@ QDateTime s_autoFailedAt;
 constexpr int NoticeLimit = 20;
 }
 
-bool AutoSynch::isDue(Database &db, const QDateTime &now)
+bool AutoSynch::mayRun(const QDateTime &now)
 {
-    QString mode = readConfig(QStringLiteral("AutoSynch"), QString()).trimmed();
-    if (mode.isEmpty()) {
-        writeConfig(QStringLiteral("AutoSynch"), QStringLiteral("Y"));
-        mode = QStringLiteral("Y");
-    }
-    if (mode != QLatin1String("Y") || Synch::isRunning())
+    if (Synch::isRunning())
         return false;
-    if (s_autoFailedAt.isValid() && s_autoFailedAt.secsTo(now) < PauseSeconds)
-        return false;
-    QDateTime last = QDateTime::fromString(readConfig(QStringLiteral("LastSynch"), QString()).trimmed(), Qt::ISODate);
-    if (!last.isValid())
-        last = now.addDays(-5);
-    if (last.secsTo(now) < PauseSeconds)
-        return false;
-    return !ChangeLog::isEmpty(db);
+    return !s_autoFailedAt.isValid() || s_autoFailedAt.secsTo(now) >= PauseSeconds;
 }
 
 void AutoSynch::noteResult(bool success, const QDateTime &now)
@@ -60,6 +48,19 @@ bool runSynch(Database &db, bool isManual, SynchObserver *observer, SynchSummary
     if (summary)
         *summary = synch.summary();
     return ok;
+}
+
+bool automaticSynch(Database &db)
+{
+    if (!AutoSynch::mayRun())
+        return false;
+    if (!runSynch(db, false)) {
+        messages::critical(getString(2282, QStringLiteral("Failure in Auto Synchronisation. Try a manual synch to get the error message.")),
+                           getString(2283, QStringLiteral("Auto-Synchronisation Failed")));
+        return false;
+    }
+    clearNewBookings(db);
+    return true;
 }
 
 SetupCheck checkSetupAtStartup(Database &db, SetupDownload::LoginRetry loginRetry)

@@ -9,15 +9,14 @@ namespace fenlark {
 
 class Database;
 
-// When the main window's 10-second tick may start a silent synchronisation.
+// What holds back an automatic run beyond the tick's own rules (AutoSynch,
+// LastSynch, a non-empty dblog): a run of this process still under way, or an
+// automatic run that failed less than five minutes ago. Manual runs are never held.
 class AutoSynch {
 public:
     static constexpr int PauseSeconds = 5 * 60;
 
-    // True when AutoSynch is "Y" (an empty key is written as "Y" first), LastSynch
-    // (default: five days ago) lies at least five minutes back, dblog has rows, no run
-    // of this process is under way, and no automatic run failed in the last five minutes.
-    static bool isDue(Database &db, const QDateTime &now = QDateTime::currentDateTime());
+    static bool mayRun(const QDateTime &now = QDateTime::currentDateTime());
     // Tells the gate how an automatic run ended; a failure pauses automatic runs.
     static void noteResult(bool success, const QDateTime &now = QDateTime::currentDateTime());
 };
@@ -28,6 +27,12 @@ public:
 // AutoSynch gate.
 bool runSynch(Database &db, bool isManual, SynchObserver *observer = nullptr, SynchSummary *summary = nullptr,
               SetupDownload::LoginRetry loginRetry = {});
+
+// The main window's synchronise seam. Manual: the dialog, then the new-bookings
+// notice. Automatic: a silent run, with "Failure in Auto Synchronisation..." when it
+// fails. After a good run the new-bookings list starts again. True when the calendar
+// should be rebuilt. (The dialog part lives with the screens: see synchManually.)
+bool automaticSynch(Database &db);
 
 // The start-up's setup check: the setup download with message boxes and the log-on
 // retry. The result says whether the program may go on.

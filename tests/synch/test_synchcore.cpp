@@ -6,7 +6,6 @@
 #include "synch/synch.h"
 #include "synch/synchlock.h"
 #include "synch/synchrun.h"
-#include "shell/config.h"
 
 #include "support/testdatabase.h"
 
@@ -285,23 +284,15 @@ private Q_SLOTS:
         QVERIFY(synch.summary().errors.last().endsWith(QLatin1String("client / ID: 4242")));
     }
 
-    void autoSynchWaitsForChangesAndPausesAfterAFailure()
+    void automaticRunsPauseAfterAFailure()
     {
-        TestDatabase t;
         const QDateTime now = QDateTime::currentDateTime();
-        QVERIFY(!AutoSynch::isDue(t.db(), now)); // nothing waiting
-        QCOMPARE(readConfig(QStringLiteral("AutoSynch"), QString()), QStringLiteral("Y"));
-        addClient(t.db(), QStringLiteral("Due"));
-        QVERIFY(AutoSynch::isDue(t.db(), now));
+        QVERIFY(AutoSynch::mayRun(now));
         AutoSynch::noteResult(false, now);
-        QVERIFY(!AutoSynch::isDue(t.db(), now.addSecs(299)));
-        QVERIFY(AutoSynch::isDue(t.db(), now.addSecs(300)));
+        QVERIFY(!AutoSynch::mayRun(now.addSecs(299)));
+        QVERIFY(AutoSynch::mayRun(now.addSecs(300)));
         AutoSynch::noteResult(true, now);
-        writeConfig(QStringLiteral("LastSynch"), now.addSecs(-60).toString(Qt::ISODate));
-        QVERIFY(!AutoSynch::isDue(t.db(), now));
-        writeConfig(QStringLiteral("LastSynch"), QString());
-        writeConfig(QStringLiteral("AutoSynch"), QStringLiteral("N"));
-        QVERIFY(!AutoSynch::isDue(t.db(), now));
+        QVERIFY(AutoSynch::mayRun(now));
     }
 
     void newBookingNoticeNamesClientArrivalAndRooms()
