@@ -87,52 +87,58 @@ bool Synch::synchronise()
     m_login.versionNo = version.value(1).toInt();
     progress(getString(6001, QStringLiteral("Preparing...")));
 
-    bool setupOk = true;
-    if (!m_skipSetup) {
-        SetupDownload setup(m_db, m_transport);
-        setup.setLogin(m_login);
-        setup.setLastUpdated(m_lastUpdated);
-        setup.setSynchCounter(m_synchCounter);
-        setup.setLoginRetry(m_loginRetry);
-        setup.setShowMessages(m_showForm);
-        setupOk = setup.initialise();
-        m_login.bbid = setup.login().bbid;
-        m_login.password = setup.login().password;
-        if (!setupOk) {
-            m_summary.errors << setup.failure();
-            if (!m_showForm)
-                appendToSynchErr(Home::path(), QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm")) + QStringLiteral(" (")
-                                                   + QString::number(m_login.bbid) + QStringLiteral(")") + setup.failure());
+    // Whatever fails below, the lock goes: the next run must not wait five minutes for it.
+    try {
+        bool setupOk = true;
+        if (!m_skipSetup) {
+            SetupDownload setup(m_db, m_transport);
+            setup.setLogin(m_login);
+            setup.setLastUpdated(m_lastUpdated);
+            setup.setSynchCounter(m_synchCounter);
+            setup.setLoginRetry(m_loginRetry);
+            setup.setShowMessages(m_showForm);
+            setupOk = setup.initialise();
+            m_login.bbid = setup.login().bbid;
+            m_login.password = setup.login().password;
+            if (!setupOk) {
+                m_summary.errors << setup.failure();
+                if (!m_showForm)
+                    appendToSynchErr(Home::path(), QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm")) + QStringLiteral(" (")
+                                                       + QString::number(m_login.bbid) + QStringLiteral(")") + setup.failure());
+            }
+            else if (!setup.ignored().isEmpty())
+                ErrorLog::write(QStringLiteral("Setup download ignored: ") + setup.ignored().join(QStringLiteral(", ")));
         }
-        else if (!setup.ignored().isEmpty())
-            ErrorLog::write(QStringLiteral("Setup download ignored: ") + setup.ignored().join(QStringLiteral(", ")));
-    }
 
-    if (setupOk) {
-        m_requestedRecords.clear();
-        m_logUpdates.clear();
-        m_acknowledgements.clear();
-        m_requests.clear();
-        int idle = 0;
-        while (!m_failed) {
-            const int pendingBefore = ChangeLog::count(m_db);
-            exchange();
-            if (m_failed || !moreToDo())
-                break;
-            const bool sameReply = m_reply == m_previousReply;
-            const bool moved = m_ackedThisExchange > 0 || ChangeLog::count(m_db) != pendingBefore
-                || (m_appliedThisExchange > 0 && !sameReply);
-            idle = moved ? 0 : idle + 1;
-            if (idle >= MaxIdleExchanges) {
-                reportFailure(getString(6021, QStringLiteral("The server acknowledged nothing in three exchanges in a row. "
-                                                             "The changes stay in the log and go at the next synchronisation.")));
-                break;
+        if (setupOk) {
+            m_requestedRecords.clear();
+            m_logUpdates.clear();
+            m_acknowledgements.clear();
+            m_requests.clear();
+            int idle = 0;
+            while (!m_failed) {
+                const int pendingBefore = ChangeLog::count(m_db);
+                exchange();
+                if (m_failed || !moreToDo())
+                    break;
+                const bool sameReply = m_reply == m_previousReply;
+                const bool moved = m_ackedThisExchange > 0 || ChangeLog::count(m_db) != pendingBefore
+                    || (m_appliedThisExchange > 0 && !sameReply);
+                idle = moved ? 0 : idle + 1;
+                if (idle >= MaxIdleExchanges) {
+                    reportFailure(getString(6021, QStringLiteral("The server acknowledged nothing in three exchanges in a row. "
+                                                                 "The changes stay in the log and go at the next synchronisation.")));
+                    break;
+                }
+            }
+            if (!m_failed) {
+                m_summary.success = true;
+                progress(getString(2009, QStringLiteral("Synchronisation successful.")));
             }
         }
-        if (!m_failed) {
-            m_summary.success = true;
-            progress(getString(2009, QStringLiteral("Synchronisation successful.")));
-        }
+    } catch (const DatabaseError &e) {
+        m_summary.success = false;
+        reportFailure(e.message());
     }
     SynchLock::clearLock(m_db);
     return m_summary.success;
