@@ -8,6 +8,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <cstdio>
+
 namespace fenlark::ctl {
 
 namespace {
@@ -37,6 +39,8 @@ int runSynch(const CommandLine &args)
                           {"acknowledged", s.acknowledged},
                           {"received", s.received},
                           {"errors", QJsonArray::fromStringList(s.errors)}});
+    for (const QString &error : s.errors)
+        std::fprintf(stderr, "fenlarkctl synch: %s\n", qUtf8Printable(error));
     return ok ? 0 : 1;
 }
 
