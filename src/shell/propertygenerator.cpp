@@ -285,7 +285,7 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
         booking.BBAccountID = unavailable ? 0 : account.BBAccountID;
         booking.Source = random.bounded(3u) == 0 ? QStringLiteral("Website") : QStringLiteral("Telephone");
         booking.ReservedUntil = (status == QLatin1String("P") || status == QLatin1String("R"))
-            ? QDateTime(std::min(arrival, today.addDays(static_cast<int>(random.bounded(10u)) - 3)), QTime(12, 0))
+            ? QDateTime(std::min(arrival, today.addDays(1 + static_cast<int>(random.bounded(10u)))), QTime(12, 0))
             : QDateTime(QDate(1899, 12, 31), QTime(0, 0));
         booking.CurrencyCode = QStringLiteral("ZAR");
         booking.ExchangeRate = 1;

@@ -25,7 +25,7 @@ public:
     void askLanguage() override
     {
         calls << "language";
-        writeConfig("Language", "3082");
+        writeConfig("Language", "1033");
     }
     void showSplash() override { calls << "splash"; }
     void closeSplash() override { calls << "close splash"; }
@@ -88,7 +88,7 @@ private Q_SLOTS:
         QCOMPARE(startup.run(), Startup::Running);
         QCOMPARE(host.calls, QStringList({"language", "splash", "close splash", "login", "setup", "close splash", "user",
                                           "initialise", "doubles", "main"}));
-        QCOMPARE(readConfig("Language", ""), QString("3082"));
+        QCOMPARE(readConfig("Language", ""), QString("1033"));
         QCOMPARE(readConfig("Database", ""), m_home->filePath("Veldmoor.db"));
         QVERIFY(QFile::exists(m_home->filePath("Veldmoor.db")));
         QVERIFY(QFile::exists(m_home->filePath("vmbackup/veldmoor-1.db")));

@@ -1,0 +1,64 @@
+// Start-up to the shown main window on a generated 40-room, 10-year property:
+// open, backup, property, setup, calendar drawn, window painted. No server contact.
+#include "shell/config.h"
+#include "shell/database.h"
+#include "shell/home.h"
+#include "shell/propertygenerator.h"
+#include "shell/screens/deskstartuphost.h"
+#include "shell/screens/mainwindow.h"
+#include "shell/startup.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+using namespace fenlark;
+
+namespace {
+
+// The desk's start-up without the two questions a person answers.
+class UnattendedHost : public DeskStartupHost {
+public:
+    void askLanguage() override {}
+    bool enterPassword(Session &) override { return true; }
+};
+
+void BM_StartupToShownMainWindow(benchmark::State &state)
+{
+    QTemporaryDir home;
+    Home::setPath(home.path());
+    {
+        auto db = Database::open(home.filePath("Veldmoor.db"));
+        PropertyGenerator(PropertyGenerator::forYears(40, 10, 1)).generate(*db);
+    }
+    writeConfig("Language", "1033");
+    for (auto _ : state) {
+        UnattendedHost host;
+        Startup startup(host);
+        if (startup.run() != Startup::Running) {
+            state.SkipWithError("start-up failed");
+            break;
+        }
+        MainWindow *window = host.createMainWindow(startup.takeSession());
+        QApplication::processEvents();
+        state.PauseTiming();
+        window->setAttribute(Qt::WA_DeleteOnClose, false);
+        delete window;
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_StartupToShownMainWindow)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
