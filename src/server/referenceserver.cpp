@@ -214,10 +214,27 @@ qint32 ReferenceServer::seedFromDesk(const QString &deskDatabasePath)
             }
             setSetupTable(bbid, table, JsonValue(rows));
         }
+        // Rows the desk already holds under server ids (a demo, a copied database) must
+        // never meet a new row of this server under the same id.
+        qint64 highest = 0;
+        for (const QString &table : Schema::sharedTables()) {
+            QSqlQuery q(desk);
+            if (q.exec(QStringLiteral("select max(%1) from %2").arg(serverKeyOf(table), table)) && q.next())
+                highest = std::max(highest, q.value(0).toLongLong());
+        }
+        reserveIdsUpTo(highest);
         desk.close();
     }
     QSqlDatabase::removeDatabase(name);
     return bbid;
+}
+
+void ReferenceServer::reserveIdsUpTo(qint64 highest)
+{
+    if (highest <= 0)
+        return;
+    if (exec(QStringLiteral("update sqlite_sequence set seq = max(seq, ?) where name = 'record'"), {highest}).numRowsAffected() == 0)
+        exec(QStringLiteral("insert into sqlite_sequence (name, seq) values ('record', ?)"), {highest});
 }
 
 void ReferenceServer::setSetupTable(qint32 bbid, const QString &table, const JsonValue &rows)

@@ -98,6 +98,8 @@ private:
     void queue(qint32 bbid, const QString &table, qint32 tableId, const QString &logType);
     void resolveReferences(qint32 bbid, JsonArray &requests, QSet<QString> &requested);
     void bumpSetup(qint32 bbid);
+    // New server ids start above this one.
+    void reserveIdsUpTo(qint64 highest);
 
     QSqlDatabase m_db;
     QString m_connectionName;

@@ -170,6 +170,19 @@ private Q_SLOTS:
         QCOMPARE(rig.count(QStringLiteral("newbooking")), 1);
     }
 
+    void seedingKeepsNewServerIdsClearOfTheDesks()
+    {
+        TestDatabase t;
+        t.db().execute(QStringLiteral("insert into bbsetup (BBID, Password) values (?, ?)"), {Bbid, Password});
+        t.db().execute(QStringLiteral("insert into booking (BookingID, FromDate, ToDate) values (500, '2026-01-01', '2026-01-02')"));
+        QTemporaryDir dir;
+        ReferenceServer store(dir.filePath(QStringLiteral("s.db")), QStringLiteral("seed-ids"));
+        store.seedFromDesk(t.db().path());
+        OnlineBooking b;
+        b.fromDate = QDate(2027, 1, 1);
+        QVERIFY(store.addOnlineBooking(Bbid, b).client > 500);
+    }
+
     void moreRowsThanLogLimitTakeSeveralExchanges()
     {
         Rig rig;
