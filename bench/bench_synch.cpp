@@ -112,7 +112,7 @@ void BM_ApplyServerUpdates(benchmark::State &state)
     }
     state.counters["rows/s"] = benchmark::Counter(static_cast<double>(updates.size()) * state.iterations(), benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_ApplyServerUpdates)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_ApplyServerUpdates)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 
 // Everything marked for sending again, sent over loopback HTTP to an empty reference server.
 void BM_FullSynchToEmptyServer(benchmark::State &state)
@@ -163,7 +163,7 @@ void BM_FullSynchToEmptyServer(benchmark::State &state)
     state.counters["rows"] = rows;
     state.counters["rows/s"] = benchmark::Counter(static_cast<double>(rows) * state.iterations(), benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_FullSynchToEmptyServer)->Arg(2500)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_FullSynchToEmptyServer)->Arg(2500)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
 
 } // namespace
 
