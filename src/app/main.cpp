@@ -1,8 +1,11 @@
+#include "shell/databasefiles.h"
 #include "shell/demo.h"
+#include "shell/errorlog.h"
 #include "shell/home.h"
 #include "shell/screens/deskstartuphost.h"
 #include "shell/screens/dialogmessagesink.h"
 #include "shell/startup.h"
+#include "synch/demoserver.h"
 
 #include <QApplication>
 
@@ -18,8 +21,12 @@ int main(int argc, char *argv[])
 
     DialogMessageSink sink;
     messages::setSink(&sink);
-    if (demo)
-        Demo::prepare();
+    if (demo && Demo::prepare()) {
+        // The demo's own server on this machine, so synchronisation works offline.
+        QString error;
+        if (startDemoServer(getDBPath(0), &app, &error).isEmpty())
+            ErrorLog::write(QStringLiteral("The demo server did not start: ") + error);
+    }
 
     DeskStartupHost host;
     Startup startup(host);

@@ -72,6 +72,10 @@ Startup::Outcome Startup::run()
 
     // 9. The setup check; a failure is fatal only to a database without rooms.
     if (!m_host.checkSetup(*m_session)) {
+        if (m_host.propertyLogInRefused()) {
+            m_host.closeSplash();
+            return LoginCancelled;
+        }
         if (m_session->db().scalar(QStringLiteral("select count(*) from room")).toInt() == 0) {
             m_host.closeSplash();
             messages::critical(getString(5022, QStringLiteral("Cannot find any rooms under this BBID.")),

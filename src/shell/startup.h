@@ -21,6 +21,9 @@ public:
     virtual bool logInProperty(Session &session) = 0;
     // The setup check against the server; false when it failed.
     virtual bool checkSetup(Session &session) = 0;
+    // True when the server refused the property's log-on during the setup check
+    // and the user gave up typing it again: the program ends.
+    virtual bool propertyLogInRefused() const { return false; }
     // The user's log-on; false when cancelled.
     virtual bool enterPassword(Session &session) = 0;
     // Loads rooms, room types, preferences, VAT codes and draws the calendar.

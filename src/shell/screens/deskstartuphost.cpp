@@ -3,6 +3,9 @@
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
 #include "shell/screens/mainwindow.h"
+#include "synch/screens/dlgemergencysynch.h"
+#include "synch/screens/dlgsynch.h"
+#include "synch/synchrun.h"
 
 #include <QApplication>
 
@@ -40,9 +43,20 @@ bool DeskStartupHost::logInProperty(Session &session)
     return LoginDialog::login(session.db(), session.dbNumber());
 }
 
-bool DeskStartupHost::checkSetup(Session &)
+bool DeskStartupHost::checkSetup(Session &session)
 {
-    return false;
+    // A refused log-on during the download lets the user type the property's
+    // BBID and password again, and the download is retried with them.
+    const SetupCheck check = checkSetupAtStartup(session.db(), [&session](qint32 &bbid, QString &password) {
+        if (!LoginDialog::login(session.db(), session.dbNumber()))
+            return false;
+        session.refreshBBSetup();
+        bbid = session.BBID();
+        password = session.BBPwd();
+        return true;
+    });
+    m_loginRefused = check.loginRefused;
+    return check.ok;
 }
 
 bool DeskStartupHost::enterPassword(Session &session)
@@ -65,6 +79,14 @@ void DeskStartupHost::showMainWindow(Session &) {}
 MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
 {
     auto *window = new MainWindow(std::move(session));
+    window->setSeams(DeskSeams{
+        {},
+        {},
+        [](MainWindow &w, bool manual) {
+            return manual ? synchManually(w.session().db(), &w) : automaticSynch(w.session().db());
+        },
+        [](MainWindow &w) { return synchEntireDatabase(w.session().db(), &w); },
+    });
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
     window->drawCalendar();

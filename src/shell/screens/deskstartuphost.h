@@ -23,6 +23,7 @@ public:
     // Seam for the setup download: until it is connected the check reports a
     // failure, so start-up goes on whenever the database holds rooms.
     bool checkSetup(Session &session) override;
+    bool propertyLogInRefused() const override { return m_loginRefused; }
     bool enterPassword(Session &session) override;
     void initialise(Session &session) override;
     // Seam for the check for double bookings: until it is connected start-up goes on.
@@ -36,6 +37,7 @@ public:
 private:
     std::unique_ptr<AboutDialog> m_splash;
     InputReasonPrompt m_reasonPrompt;
+    bool m_loginRefused = false;
 };
 
 } // namespace fenlark

@@ -1,5 +1,9 @@
 #include "shell/screens/mainwindow.h"
 
+#include "shell/databasechoice.h"
+#include "shell/screens/choosedatabasedialog.h"
+#include "shell/screens/deskstartuphost.h"
+
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
 #include "shell/config.h"
@@ -367,6 +371,11 @@ void MainWindow::buildMenus()
             [] { QDesktopServices::openUrl(QUrl::fromLocalFile(Home::path())); });
     connect(menuAction(QStringLiteral("m2Exit")), &QAction::triggered, this, &QWidget::close);
     connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, &MainWindow::manualSynch);
+    connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, [this] {
+        if (m_seams.emergencySynch && m_seams.emergencySynch(*this))
+            refresh();
+    });
+    connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, &MainWindow::chooseDatabase);
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, &MainWindow::openOptions);
     connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, &MainWindow::showAbout);
 }
@@ -429,7 +438,7 @@ void MainWindow::updateCommandStates()
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
     button(QStringLiteral("cmdSynch"))->setEnabled(bool(m_seams.synchronise));
 
-    static const char *activeActions[] = {"m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
+    static const char *activeActions[] = {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
                                           "m2Exit", "m2Options", "m2About"};
     for (QAction *action : m_actions) {
         bool on = false;
@@ -438,6 +447,7 @@ void MainWindow::updateCommandStates()
         action->setEnabled(on);
     }
     menuAction(QStringLiteral("m2SynchLD"))->setEnabled(bool(m_seams.synchronise));
+    menuAction(QStringLiteral("m2SynchFull"))->setEnabled(bool(m_seams.emergencySynch));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 
@@ -691,6 +701,16 @@ void MainWindow::manualSynch()
         return;
     m_seams.synchronise(*this, true);
     refresh();
+}
+
+void MainWindow::chooseDatabase()
+{
+    const int chosen = ChooseDatabaseDialog::choose(m_session->dbNumber(), this);
+    DeskStartupHost host;
+    if (DatabaseChoice::change(*m_session, chosen, host) == DatabaseChoice::Changed) {
+        setWindowTitle(QStringLiteral("veldmoor - ") + getDBName(m_session->dbNumber()));
+        initialise();
+    }
 }
 
 void MainWindow::chooseLanguage()

@@ -37,6 +37,8 @@ struct DeskSeams {
     std::function<void(MainWindow &, const std::vector<qint32> &roomIds, QDate inDate, int nights)> confirmBooking;
     // A synchronisation (manual: with its dialog); true when data changed.
     std::function<bool(MainWindow &, bool manual)> synchronise;
+    // Everything logged again and sent (the emergency synchronisation); true when data changed.
+    std::function<bool(MainWindow &)> emergencySynch;
 };
 
 // frmMain: the desk's main window. It owns the session and is where every
@@ -112,6 +114,7 @@ private:
     void book();
     void manualSynch();
     void chooseLanguage();
+    void chooseDatabase();
     void openColourPicker();
     void openOptions();
     void showAbout();
