@@ -14,7 +14,7 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
