@@ -69,7 +69,7 @@ bool BookingWriter::validate(const NewBookingRequest &request) const
     }
     for (const NewBookingRoom &room : request.rooms) {
         if (!clashingBookings(m_db, room.BBRoomID, request.FromDate, request.ToDate).empty()) {
-            messages::critical(getString(5836, QStringLiteral(""%1 has been taken for those dates since it was "
+            messages::critical(getString(5836, QStringLiteral("%1 has been taken for those dates since it was "
                                                               "chosen. Pick the rooms again."))
                                    .arg(roomName(m_db, room.BBRoomID)),
                                getString(5837, QStringLiteral("Room no longer free")));
