@@ -1,5 +1,6 @@
 #include "bookings/bookingsave.h"
 
+#include "accounts/accounts.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/staydates.h"
 #include "rates/raterecords.h"
@@ -69,6 +70,20 @@ std::optional<BookingEdit> loadBookingEdit(Database &db, qint32 bookingId, qint3
     edit.bookingAccountId = head.BBAccountID;
     edit.legAccountId = guest.BBAccountID == 0 ? head.BBAccountID : guest.BBAccountID;
     return edit;
+}
+
+qint32 ensureBookingAccount(Database &db, qint32 bookingId)
+{
+    Booking head;
+    if (!head.fetch(db, bookingId))
+        return 0;
+    if (head.BBAccountID != 0)
+        return head.BBAccountID;
+    Transaction transaction(db);
+    head.BBAccountID = getOpenAccount(db, head.MadeBy);
+    head.update(db);
+    transaction.commit();
+    return head.BBAccountID;
 }
 
 bool MessageSaveQuestions::changeAllLegs()

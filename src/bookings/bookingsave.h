@@ -60,6 +60,10 @@ struct BookingEdit {
 // booking's and the leg's accounts as they stand. Nothing when either is missing.
 std::optional<BookingEdit> loadBookingEdit(Database &db, qint32 bookingId, qint32 roomId);
 
+// A booking opened without an account gets the open account of the client who
+// made it, saved at once; the account's key.
+qint32 ensureBookingAccount(Database &db, qint32 bookingId);
+
 // The questions a save asks on the way; the editor answers with Yes/No boxes,
 // fenlarkctl from its options. They are all asked before anything is written.
 class SaveQuestions {

@@ -58,13 +58,13 @@ bool BookingWriter::validate(const NewBookingRequest &request) const
         return false;
     }
     if (request.rooms.empty()) {
-        messages::critical(getString(5804, QStringLiteral("You didn't pick a room.")),
-                           getString(5805, QStringLiteral("No room selected")));
+        messages::critical(getString(2276, QStringLiteral("You didn't pick a room.")),
+                           getString(2277, QStringLiteral("No room selected")));
         return false;
     }
     if (nightCount(request.FromDate, request.ToDate) < 1) {
-        messages::critical(getString(5806, QStringLiteral("The number of nights must be greater than zero.")),
-                           getString(5807, QStringLiteral("Type in a positive number of nights")));
+        messages::critical(getString(2278, QStringLiteral("The number of nights must be greater than zero.")),
+                           getString(2279, QStringLiteral("Type in a positive number of nights")));
         return false;
     }
     for (const NewBookingRoom &room : request.rooms) {
