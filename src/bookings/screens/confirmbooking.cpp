@@ -162,6 +162,9 @@ void ConfirmBooking::initialise(MainWindow &frmMain, const std::vector<qint32> &
     ConfirmBooking dialog(frmMain, roomIds, arrival, nights, &frmMain);
     if (dialog.exec() != QDialog::Accepted)
         return;
+    // The desk's own close box clears the room selection and hides the list.
+    if (auto *closeBox = frmMain.findChild<QPushButton *>(QStringLiteral("cmdCloseBox")))
+        closeBox->click();
     frmMain.drawCalendar();
     ViewBooking::initialise(frmMain, dialog.BBBookingID(), dialog.firstRoomId());
 }

@@ -100,6 +100,7 @@ void ViewBooking::build()
     auto *booking = new QGroupBox(getString(5861, QStringLiteral("Booking Information")), this);
     booking->setObjectName(QStringLiteral("frmBookingDetails"));
     auto *bf = new QFormLayout(booking);
+    m_bookingForm = bf;
     cboStatus = new QComboBox(booking);
     cboStatus->setObjectName(QStringLiteral("cboStatus"));
     bf->addRow(getString(5862, QStringLiteral("Status")), cboStatus);
@@ -289,7 +290,7 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     cboStatus->setCurrentIndex(m_statusIndex);
     const bool hold = statusHasHold(m_edit.status);
     dpReserved->setDateTime(hold ? m_edit.reservedUntil : QDateTime(QDate::currentDate(), QTime(0, 0)));
-    dpReserved->setVisible(hold);
+    m_bookingForm->setRowVisible(dpReserved, hold);
     dpFrom->setDate(m_edit.fromDate);
     dpTo->setDate(m_edit.toDate);
     lblRoomName->setText(m_main.session().property().RoomName(m_edit.roomId));
@@ -389,12 +390,12 @@ void ViewBooking::statusChanged(int index)
         }
     }
     if (statusHasHold(newCode)) {
-        dpReserved->setVisible(true);
+        m_bookingForm->setRowVisible(dpReserved, true);
         dpReserved->setEnabled(true);
         if (dpReserved->date() == QDate::currentDate())
             dpReserved->setDateTime(QDateTime(QDate::currentDate().addDays(2), QTime(16, 0)));
     } else {
-        dpReserved->setVisible(false);
+        m_bookingForm->setRowVisible(dpReserved, false);
         dpReserved->setEnabled(false);
     }
     if (newCode == QLatin1String("U"))

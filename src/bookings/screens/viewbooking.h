@@ -8,6 +8,7 @@ class QCheckBox;
 class QComboBox;
 class QDateEdit;
 class QDateTimeEdit;
+class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
@@ -85,6 +86,7 @@ private:
     int m_statusIndex = 0;
     bool m_dirty = false;
     bool m_loading = false;
+    QFormLayout *m_bookingForm = nullptr;
     QLabel *m_bookingNo = nullptr;
     QLabel *m_bookingDate = nullptr;
     QLabel *m_bookingType = nullptr;
