@@ -15,6 +15,8 @@
 #include "shell/setuprecords.h"
 #include "shell/strings.h"
 
+#include <QSet>
+
 namespace fenlark {
 
 namespace {
@@ -67,7 +69,15 @@ bool BookingWriter::validate(const NewBookingRequest &request) const
                            getString(2279, QStringLiteral("Type in a positive number of nights")));
         return false;
     }
+    QSet<qint32> seen;
     for (const NewBookingRoom &room : request.rooms) {
+        if (seen.contains(room.BBRoomID)) {
+            messages::critical(getString(5838, QStringLiteral("%1 is listed more than once: a booking holds one leg per room."))
+                                   .arg(roomName(m_db, room.BBRoomID)),
+                               getString(5839, QStringLiteral("Room listed twice")));
+            return false;
+        }
+        seen.insert(room.BBRoomID);
         if (!clashingBookings(m_db, room.BBRoomID, request.FromDate, request.ToDate).empty()) {
             messages::critical(getString(5836, QStringLiteral("%1 has been taken for those dates since it was "
                                                               "chosen. Pick the rooms again."))

@@ -183,6 +183,12 @@ private Q_SLOTS:
         QVERIFY(!BookingWriter(db(), m_rates, m_setup, m_user).save(request({6, 5}, 1)));
         QCOMPARE(sink.shown.last().title, QStringLiteral("Room no longer free"));
         QCOMPARE(tableCounts(db()), afterFirst);
+        QVERIFY(!BookingWriter(db(), m_rates, m_setup, m_user).save(request({7, 7})));
+        QCOMPARE(sink.shown.last().title, QStringLiteral("Room listed twice"));
+        NewBookingRequest reversed = request({7});
+        reversed.ToDate = reversed.FromDate;
+        QVERIFY(!BookingWriter(db(), m_rates, m_setup, m_user).save(reversed));
+        QCOMPARE(tableCounts(db()), afterFirst);
         QVERIFY(before != afterFirst);
     }
 

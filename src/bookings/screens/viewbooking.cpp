@@ -480,7 +480,7 @@ void ViewBooking::cmdSplit()
     std::optional<qint32> newId;
     try {
         const RateData rates = RateData::load(session.db());
-        newId = BookingSave(session.db(), rates, session.getUser(), boxQuestions()).split(m_edit.BBBookingID, m_edit.roomId);
+        newId = BookingSave(session.db(), rates, session.getUser(), boxQuestions()).split(m_edit.BBBookingID, m_edit.loadedRoomId);
     } catch (const DatabaseError &e) {
         showDatabaseError(e);
     }
@@ -495,9 +495,9 @@ void ViewBooking::cmdSplit()
     entry->NoAdults = m_edit.storedAdults;
     entry->Children = static_cast<qint16>(m_edit.storedChild1 + m_edit.storedChild2);
     for (const QDate &night : nightsOf(m_edit.storedFrom, m_edit.storedTo))
-        calendar.addCalEntry(night, m_edit.roomId, entry);
+        calendar.addCalEntry(night, m_edit.loadedRoomId, entry);
     m_main.drawCalendar();
-    load(*newId, m_edit.roomId);
+    load(*newId, m_edit.loadedRoomId);
 }
 
 void ViewBooking::cmdChangeRooms()
