@@ -22,6 +22,9 @@ const std::vector<Verb> &shellVerbs();
 const std::vector<Verb> &ratesVerbs();
 const std::vector<Verb> &recordsVerbs();
 const std::vector<Verb> &synchVerbs();
+const std::vector<Verb> &bookingVerbs();
+// booking dates|room|split: the editor's save and split (the "booking" verb hands them on).
+int runBookingChange(const CommandLine &args);
 
 // The database named by --db, else the configured database of the home folder.
 // Prints the reason and returns null when it cannot be opened.

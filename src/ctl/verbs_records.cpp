@@ -82,7 +82,9 @@ QJsonObject legJson(const LegDetails &details)
 int runBooking(const CommandLine &args)
 {
     const QStringList words = args.positional();
-    if (words.size() != 2 || words.at(0) != QLatin1String("show"))
+    if (!words.isEmpty() && words.at(0) != QLatin1String("show"))
+        return runBookingChange(args);
+    if (words.size() != 2)
         return fail(QStringLiteral("usage: booking show [--db PATH] KEY"));
     bool ok = false;
     const qint32 key = words.at(1).toInt(&ok);
@@ -132,7 +134,11 @@ const std::vector<Verb> &recordsVerbs()
     static const std::vector<Verb> verbs = {
         {"clients", "clients [--db PATH] [--first X] [--surname X] [--company X] [--id N]   the client search as JSON rows",
          runClients},
-        {"booking", "booking show [--db PATH] KEY          a booking: head, legs, nights with rates, account", runBooking},
+        {"booking", "booking show [--db PATH] KEY          a booking: head, legs, nights with rates, account\n"
+                    "  booking dates [--db PATH] KEY --from DATE --to DATE [--reprice]   move the stay\n"
+                    "  booking room [--db PATH] KEY --leg ROOM --to-room ROOM   move one leg to another room\n"
+                    "  booking split [--db PATH] KEY --leg ROOM   split one leg off into its own booking",
+         runBooking},
     };
     return verbs;
 }

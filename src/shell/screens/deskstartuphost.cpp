@@ -1,5 +1,8 @@
 #include "shell/screens/deskstartuphost.h"
 
+#include "bookings/screens/confirmbooking.h"
+#include "bookings/screens/viewbooking.h"
+
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
 #include "shell/screens/mainwindow.h"
@@ -80,8 +83,8 @@ MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
 {
     auto *window = new MainWindow(std::move(session));
     window->setSeams(DeskSeams{
-        {},
-        {},
+        &ViewBooking::initialise,
+        &ConfirmBooking::initialise,
         [](MainWindow &w, bool manual) {
             return manual ? synchManually(w.session().db(), &w) : automaticSynch(w.session().db());
         },

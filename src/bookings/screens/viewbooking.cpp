@@ -1,0 +1,581 @@
+#include "bookings/screens/viewbooking.h"
+
+#include "accounts/extraqueries.h"
+#include "bookings/bookingcodes.h"
+#include "bookings/bookingdetails.h"
+#include "bookings/bookingrecords.h"
+#include "bookings/newbooking.h"
+#include "bookings/staydates.h"
+#include "clients/clientrecords.h"
+#include "rates/ratedata.h"
+#include "rates/ratescalculator.h"
+#include "rates/roomrates.h"
+#include "shell/errorlog.h"
+#include "shell/messages.h"
+#include "shell/money.h"
+#include "shell/screens/mainwindow.h"
+#include "shell/session.h"
+#include "shell/strings.h"
+#include "shell/textformat.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpressionValidator>
+#include <QVBoxLayout>
+
+namespace fenlark {
+
+namespace {
+
+QString clientNameOf(Database &db, qint32 clientId)
+{
+    Client client;
+    return clientId != 0 && client.fetch(db, clientId) ? client.FullName() : QString();
+}
+
+void showDatabaseError(const DatabaseError &e)
+{
+    ErrorLog::write(e.message() + QStringLiteral(" | ") + e.sql());
+    messages::critical(getString(5852, QStringLiteral("The booking could not be saved: %1")).arg(e.message()),
+                       getString(5853, QStringLiteral("Database error")));
+}
+
+QLineEdit *numberBox(QWidget *parent, const QString &name)
+{
+    auto *box = new QLineEdit(parent);
+    box->setObjectName(name);
+    // numericKey: digits, comma and full stop only.
+    box->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9.,]*")), box));
+    return box;
+}
+
+qint16 countOf(const QLineEdit *box)
+{
+    return static_cast<qint16>(std::clamp(box->text().toInt(), 0, 999));
+}
+
+double amountOf(const QLineEdit *box)
+{
+    QString text = box->text();
+    return text.replace(QLatin1Char(','), QLatin1Char('.')).toDouble();
+}
+
+// The editor's answers: Yes/No boxes.
+MessageSaveQuestions &boxQuestions()
+{
+    static MessageSaveQuestions questions;
+    return questions;
+}
+
+} // namespace
+
+ViewBooking::ViewBooking(MainWindow &frmMain, QWidget *parent) : QDialog(parent), m_main(frmMain)
+{
+    setObjectName(QStringLiteral("dlgDetails"));
+    setWindowTitle(getString(5860, QStringLiteral("Booking Details")));
+    build();
+}
+
+QPushButton *ViewBooking::button(const QString &name, const QString &text, bool enabled)
+{
+    auto *b = new QPushButton(text, this);
+    b->setObjectName(name);
+    b->setEnabled(enabled);
+    return b;
+}
+
+void ViewBooking::build()
+{
+    auto *layout = new QHBoxLayout(this);
+
+    auto *booking = new QGroupBox(getString(5861, QStringLiteral("Booking Information")), this);
+    booking->setObjectName(QStringLiteral("frmBookingDetails"));
+    auto *bf = new QFormLayout(booking);
+    m_bookingForm = bf;
+    cboStatus = new QComboBox(booking);
+    cboStatus->setObjectName(QStringLiteral("cboStatus"));
+    bf->addRow(getString(5862, QStringLiteral("Status")), cboStatus);
+    dpReserved = new QDateTimeEdit(booking);
+    dpReserved->setObjectName(QStringLiteral("dpReserved"));
+    dpReserved->setDisplayFormat(QStringLiteral("dd/MM/yyyy hh:mm"));
+    bf->addRow(getString(5863, QStringLiteral("Reserved until")), dpReserved);
+    dpFrom = new QDateEdit(booking);
+    dpFrom->setObjectName(QStringLiteral("dpFrom"));
+    dpFrom->setCalendarPopup(true);
+    dpTo = new QDateEdit(booking);
+    dpTo->setObjectName(QStringLiteral("dpTo"));
+    dpTo->setCalendarPopup(true);
+    bf->addRow(getString(5864, QStringLiteral("Arriving")), dpFrom);
+    bf->addRow(getString(5865, QStringLiteral("Leaving")), dpTo);
+    lblNoNights = new QLabel(booking);
+    lblNoNights->setObjectName(QStringLiteral("lblNoNights"));
+    bf->addRow(QString(), lblNoNights);
+    outMadeBy = new QLabel(booking);
+    outMadeBy->setObjectName(QStringLiteral("outMadeBy"));
+    auto *madeBy = new QHBoxLayout;
+    madeBy->addWidget(outMadeBy, 1);
+    madeBy->addWidget(button(QStringLiteral("cmdMadeBy"), getString(5866, QStringLiteral("View")), false));
+    madeBy->addWidget(button(QStringLiteral("cmdMadeByChange"), getString(5867, QStringLiteral("Change")), false));
+    madeBy->addWidget(button(QStringLiteral("cmdMadeByEmail"), getString(5868, QStringLiteral("E-mail")), false));
+    bf->addRow(getString(5869, QStringLiteral("Made by")), madeBy);
+    lblRoomName = new QLabel(booking);
+    lblRoomName->setObjectName(QStringLiteral("lblRoomName"));
+    auto *rooms = new QHBoxLayout;
+    rooms->addWidget(lblRoomName, 1);
+    auto *changeRooms = button(QStringLiteral("cmdChangeRooms"), getString(5870, QStringLiteral("Change &Room")), true);
+    auto *viewRooms = button(QStringLiteral("cmdViewRooms"), getString(5871, QStringLiteral("View all rooms")), true);
+    rooms->addWidget(changeRooms);
+    rooms->addWidget(viewRooms);
+    rooms->addWidget(button(QStringLiteral("cmdAddRoom"), getString(5872, QStringLiteral("Add Room")), false));
+    bf->addRow(getString(5873, QStringLiteral("Room")), rooms);
+    lblSingleMulti = new QLabel(booking);
+    lblSingleMulti->setObjectName(QStringLiteral("lblSingleMulti"));
+    bf->addRow(QString(), lblSingleMulti);
+    cboRateCode = new QComboBox(booking);
+    cboRateCode->setObjectName(QStringLiteral("cboRateCode"));
+    bf->addRow(getString(5874, QStringLiteral("Rate")), cboRateCode);
+    txtnoadults = numberBox(booking, QStringLiteral("txtnoadults"));
+    txtchild1 = numberBox(booking, QStringLiteral("txtchild1"));
+    txtChild2 = numberBox(booking, QStringLiteral("txtChild2"));
+    ChildPolicy policy;
+    policy.fetchChildPolicy(m_main.session().db());
+    bf->addRow(getString(5875, QStringLiteral("Adults")), txtnoadults);
+    const QString children = getString(5876, QStringLiteral("Children"));
+    bf->addRow(children + QLatin1Char(' ') + policy.label1, txtchild1);
+    bf->addRow(children + QLatin1Char(' ') + policy.label2, txtChild2);
+    txtchild1->setVisible(policy.ChildAge1 != 0);
+    bf->labelForField(txtchild1)->setVisible(policy.ChildAge1 != 0);
+    txtChild2->setVisible(policy.ChildAge2 != 0);
+    bf->labelForField(txtChild2)->setVisible(policy.ChildAge2 != 0);
+    txtNotes = new QPlainTextEdit(booking);
+    txtNotes->setObjectName(QStringLiteral("txtNotes"));
+    txtNotes->setMaximumHeight(70);
+    bf->addRow(getString(5877, QStringLiteral("Notes")), txtNotes);
+    txtSource = new QLineEdit(booking);
+    txtSource->setObjectName(QStringLiteral("txtSource"));
+    auto *source = new QHBoxLayout;
+    source->addWidget(txtSource, 1);
+    source->addWidget(button(QStringLiteral("cmdSources"), QStringLiteral("..."), false));
+    bf->addRow(getString(5878, QStringLiteral("Source")), source);
+    txtAgentComm = numberBox(booking, QStringLiteral("txtAgentComm"));
+    bf->addRow(getString(5879, QStringLiteral("Agent commission %")), txtAgentComm);
+    m_bookingNo = new QLabel(booking);
+    m_bookingDate = new QLabel(booking);
+    m_bookingType = new QLabel(booking);
+    bf->addRow(getString(5880, QStringLiteral("Booking number")), m_bookingNo);
+    bf->addRow(getString(5881, QStringLiteral("Booked on")), m_bookingDate);
+    bf->addRow(getString(5882, QStringLiteral("Booking type")), m_bookingType);
+    auto *bookingButtons = new QHBoxLayout;
+    auto *split = button(QStringLiteral("cmdSplit"), getString(5883, QStringLiteral("Split &Booking")), true);
+    bookingButtons->addWidget(split);
+    bookingButtons->addWidget(button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), false));
+    bookingButtons->addWidget(button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), false));
+    bf->addRow(bookingButtons);
+    layout->addWidget(booking);
+
+    auto *right = new QVBoxLayout;
+    auto *guest = new QGroupBox(getString(5886, QStringLiteral("Guest Information")), this);
+    guest->setObjectName(QStringLiteral("frmGuestInformation"));
+    auto *gf = new QFormLayout(guest);
+    outGuest = new QLabel(guest);
+    outGuest->setObjectName(QStringLiteral("outGuest"));
+    gf->addRow(getString(5887, QStringLiteral("Guest")), outGuest);
+    auto *guestButtons = new QHBoxLayout;
+    guestButtons->addWidget(button(QStringLiteral("cmdGuest1"), getString(5866, QStringLiteral("View")), false));
+    guestButtons->addWidget(button(QStringLiteral("cmdGuest1Change"), getString(5867, QStringLiteral("Change")), false));
+    guestButtons->addWidget(button(QStringLiteral("cmdGuest1Email"), getString(5868, QStringLiteral("E-mail")), false));
+    gf->addRow(guestButtons);
+    outGuest2 = new QLabel(guest);
+    outGuest2->setObjectName(QStringLiteral("outGuest2"));
+    gf->addRow(getString(5888, QStringLiteral("Second guest")), outGuest2);
+    auto *guest2Buttons = new QHBoxLayout;
+    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2"), getString(5866, QStringLiteral("View")), false));
+    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2Change"), getString(5867, QStringLiteral("Change")), false));
+    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2del"), getString(5889, QStringLiteral("Remove")), false));
+    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2Email"), getString(5868, QStringLiteral("E-mail")), false));
+    gf->addRow(guest2Buttons);
+    ckCheckedIn = new QCheckBox(getString(5890, QStringLiteral("Checked in")), guest);
+    ckCheckedIn->setObjectName(QStringLiteral("ckCheckedIn"));
+    ckCheckedOut = new QCheckBox(getString(5891, QStringLiteral("Checked out")), guest);
+    ckCheckedOut->setObjectName(QStringLiteral("ckCheckedOut"));
+    gf->addRow(ckCheckedIn, ckCheckedOut);
+    txtReference = new QLineEdit(guest);
+    txtReference->setObjectName(QStringLiteral("txtReference"));
+    gf->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
+    auto *extras = new QHBoxLayout;
+    extras->addWidget(button(QStringLiteral("cmdExtra"), getString(5893, QStringLiteral("Add extra")), false));
+    extras->addWidget(button(QStringLiteral("cmdGuestAccount"), getString(5894, QStringLiteral("Room account")), false));
+    gf->addRow(extras);
+    lblDifferentAccount = new QLabel(getString(5895, QStringLiteral("This account is different from the booking account.")), guest);
+    lblDifferentAccount->setObjectName(QStringLiteral("lblDifferentAccount"));
+    gf->addRow(lblDifferentAccount);
+    right->addWidget(guest);
+
+    auto *account = new QGroupBox(getString(5896, QStringLiteral("Account Information")), this);
+    account->setObjectName(QStringLiteral("frmAccountInformation"));
+    auto *af = new QFormLayout(account);
+    outInvoiceTo = new QLabel(account);
+    outInvoiceTo->setObjectName(QStringLiteral("outInvoiceTo"));
+    af->addRow(getString(5897, QStringLiteral("Invoice to")), outInvoiceTo);
+    lblTotal = new QLabel(account);
+    lblTotal->setObjectName(QStringLiteral("lblTotal"));
+    af->addRow(getString(5898, QStringLiteral("Accommodation")), lblTotal);
+    txtDeposit = numberBox(account, QStringLiteral("txtDeposit"));
+    auto *deposit = new QHBoxLayout;
+    deposit->addWidget(txtDeposit, 1);
+    auto *calcDeposit = button(QStringLiteral("cmdCalcDeposit"), getString(5899, QStringLiteral("Calc Deposit")), true);
+    deposit->addWidget(calcDeposit);
+    af->addRow(getString(5900, QStringLiteral("Deposit")), deposit);
+    auto *accountButtons = new QHBoxLayout;
+    accountButtons->addWidget(button(QStringLiteral("cmdAccount"), getString(5901, QStringLiteral("Account")), false));
+    accountButtons->addWidget(button(QStringLiteral("cmdViewRates"), getString(5902, QStringLiteral("&View Rates")), false));
+    af->addRow(accountButtons);
+    right->addWidget(account);
+
+    auto *save = button(QStringLiteral("cmdSave"), getString(5903, QStringLiteral("Save Changes")), true);
+    auto *exit = button(QStringLiteral("cmdExit"), getString(5904, QStringLiteral("Close")), true);
+    auto *bottom = new QHBoxLayout;
+    bottom->addStretch();
+    bottom->addWidget(save);
+    bottom->addWidget(exit);
+    right->addStretch();
+    right->addLayout(bottom);
+    layout->addLayout(right);
+
+    connect(save, &QPushButton::clicked, this, &ViewBooking::cmdSave);
+    connect(exit, &QPushButton::clicked, this, &ViewBooking::cmdExit);
+    connect(split, &QPushButton::clicked, this, &ViewBooking::cmdSplit);
+    connect(changeRooms, &QPushButton::clicked, this, &ViewBooking::cmdChangeRooms);
+    connect(viewRooms, &QPushButton::clicked, this, &ViewBooking::cmdViewRooms);
+    connect(calcDeposit, &QPushButton::clicked, this, &ViewBooking::cmdCalcDeposit);
+    connect(cboStatus, &QComboBox::currentIndexChanged, this, &ViewBooking::statusChanged);
+    connect(dpFrom, &QDateEdit::dateChanged, this, [this] { setDirty(); getNoNights(); });
+    connect(dpTo, &QDateEdit::dateChanged, this, [this] { setDirty(); getNoNights(); });
+    for (QLineEdit *box : {txtnoadults, txtchild1, txtChild2, txtDeposit, txtAgentComm, txtSource, txtReference})
+        connect(box, &QLineEdit::textEdited, this, [this] { setDirty(); });
+    connect(cboRateCode, &QComboBox::currentIndexChanged, this, [this] { setDirty(); });
+    connect(txtNotes, &QPlainTextEdit::textChanged, this, [this] { setDirty(); });
+    connect(dpReserved, &QDateTimeEdit::dateTimeChanged, this, [this] { setDirty(); });
+    connect(ckCheckedIn, &QCheckBox::toggled, this, [this] { setDirty(); });
+    connect(ckCheckedOut, &QCheckBox::toggled, this, [this] { setDirty(); });
+}
+
+bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
+{
+    Database &db = m_main.session().db();
+    ensureBookingAccount(db, bbBookingId);
+    const std::optional<BookingEdit> edit = loadBookingEdit(db, bbBookingId, bbRoomId);
+    Booking head;
+    if (!edit || !head.fetch(db, bbBookingId)) {
+        messages::critical(getString(5827, QStringLiteral("Error: Could not fetch booking details. Call veldmoor (021 555 0108)")),
+                           getString(5828, QStringLiteral("Could not find booking details")));
+        return false;
+    }
+    m_loading = true;
+    m_edit = *edit;
+
+    cboStatus->clear();
+    for (const StatusEntry &status : statusList(db))
+        cboStatus->addItem(status.name, status.code);
+    m_statusIndex = std::max(0, cboStatus->findData(m_edit.status));
+    cboStatus->setCurrentIndex(m_statusIndex);
+    const bool hold = statusHasHold(m_edit.status);
+    dpReserved->setDateTime(hold ? m_edit.reservedUntil : QDateTime(QDate::currentDate(), QTime(0, 0)));
+    m_bookingForm->setRowVisible(dpReserved, hold);
+    dpFrom->setDate(m_edit.fromDate);
+    dpTo->setDate(m_edit.toDate);
+    lblRoomName->setText(m_main.session().property().RoomName(m_edit.roomId));
+    const bool multi = Guest::legsOf(db, bbBookingId).size() > 1;
+    lblSingleMulti->setText(multi ? getString(5905, QStringLiteral("* Multi Room Booking"))
+                                  : getString(5906, QStringLiteral("* Single Room Booking")));
+    lblSingleMulti->setStyleSheet(multi ? QStringLiteral("color: rgb(140, 0, 0);") : QString());
+    txtnoadults->setText(QString::number(m_edit.adults));
+    txtchild1->setText(QString::number(m_edit.child1));
+    txtChild2->setText(QString::number(m_edit.child2));
+    fillRates();
+    ckCheckedIn->setChecked(m_edit.checkedIn);
+    ckCheckedOut->setChecked(m_edit.checkedOut);
+    m_bookingNo->setText(QString::number(head.BookingID));
+    m_bookingDate->setText(head.BookingDate.toString(QStringLiteral("dd/MM/yyyy hh:mm")));
+    m_bookingType->setText(bookingTypeName(head.BookingType));
+    txtSource->setText(m_edit.source);
+    txtSource->setReadOnly(head.BookingType == bookingtype::Online && m_edit.source != QLatin1String("WebView"));
+    txtAgentComm->setText(formatAmount(m_edit.agentComm));
+    txtDeposit->setText(formatAmount(m_edit.deposit));
+    txtNotes->setPlainText(m_edit.notes);
+    txtReference->setText(m_edit.reference);
+    lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
+    outMadeBy->setText(clientNameOf(db, m_edit.MadeBy));
+    outGuest->setText(clientNameOf(db, m_edit.BBClientID));
+    outGuest2->setText(clientNameOf(db, m_edit.BBClient2ID));
+    outInvoiceTo->setText(outMadeBy->text());
+    getNoNights();
+    refreshTotals();
+    m_dirty = false;
+    m_loading = false;
+    return true;
+}
+
+void ViewBooking::fillRates()
+{
+    const bool wasLoading = m_loading;
+    m_loading = true;
+    cboRateCode->clear();
+    cboRateCode->addItem(getString(5907, QStringLiteral("Manual Rates")), 0);
+    const RateData data = RateData::load(m_main.session().db());
+    for (const OfferedRate &rate : offeredRates(data, dpFrom->date(), dpTo->date(), m_edit.roomId))
+        cboRateCode->addItem(rate.name, rate.BBRateID);
+    const int at = cboRateCode->findData(m_edit.BBRateID);
+    if (at < 0 && m_edit.BBRateID != 0)
+        cboRateCode->addItem(getRateName(data, m_edit.BBRateID), m_edit.BBRateID);
+    cboRateCode->setCurrentIndex(std::max(0, cboRateCode->findData(m_edit.BBRateID)));
+    m_loading = wasLoading;
+}
+
+void ViewBooking::getNoNights()
+{
+    const int nights = nightCount(dpFrom->date(), dpTo->date());
+    lblNoNights->setText(QString::number(nights)
+                         + (nights == 1 ? getString(5908, QStringLiteral(" night")) : getString(5909, QStringLiteral(" nights"))));
+}
+
+void ViewBooking::refreshTotals()
+{
+    double total = 0;
+    if (const auto details = loadBookingDetails(m_main.session().db(), m_edit.BBBookingID))
+        for (const LegDetails &leg : details->legs)
+            for (const DailyRate &night : leg.nights)
+                total += night.RoomRate;
+    lblTotal->setText(formatAmount(roundMoney(total)));
+}
+
+void ViewBooking::statusChanged(int index)
+{
+    if (m_loading)
+        return;
+    const QString oldCode = cboStatus->itemData(m_statusIndex).toString();
+    const QString newCode = cboStatus->itemData(index).toString();
+    const auto goBack = [this] {
+        m_loading = true;
+        cboStatus->setCurrentIndex(m_statusIndex);
+        m_loading = false;
+    };
+    if (newCode == QLatin1String("R") && oldCode != QLatin1String("R")) {
+        const UserStruct &user = m_main.getUser();
+        if (user.UserID > 0 && !isAllowed(user, SecurityAction::CancelBooking)) {
+            messages::critical(getString(5910, QStringLiteral("Your user rights do not allow you to change the booking "
+                                                              "status to 'Reserved'.")),
+                               getString(5911, QStringLiteral("User not authorised")));
+            goBack();
+            return;
+        }
+        for (const Guest &leg : Guest::legsOf(m_main.session().db(), m_edit.BBBookingID)) {
+            if (!getExtrasByRoom(m_main.session().db(), leg.BBGuestID).empty()) {
+                messages::critical(getString(5912, QStringLiteral("This booking has extras on it. You can't set the status "
+                                                                  "to 'Reserved', which may cancel this booking, while it "
+                                                                  "has extras.")),
+                                   getString(5913, QStringLiteral("Booking has extras")));
+                goBack();
+                return;
+            }
+        }
+    }
+    if (statusHasHold(newCode)) {
+        m_bookingForm->setRowVisible(dpReserved, true);
+        dpReserved->setEnabled(true);
+        if (dpReserved->date() == QDate::currentDate())
+            dpReserved->setDateTime(QDateTime(QDate::currentDate().addDays(2), QTime(16, 0)));
+    } else {
+        m_bookingForm->setRowVisible(dpReserved, false);
+        dpReserved->setEnabled(false);
+    }
+    if (newCode == QLatin1String("U"))
+        txtnoadults->setText(QStringLiteral("0"));
+    m_statusIndex = index;
+    setDirty();
+}
+
+bool ViewBooking::datesChanged() const
+{
+    return dpFrom->date() != m_edit.storedFrom || dpTo->date() != m_edit.storedTo;
+}
+
+bool ViewBooking::headCountChanged() const
+{
+    return countOf(txtnoadults) != m_edit.storedAdults || countOf(txtchild1) != m_edit.storedChild1
+           || countOf(txtChild2) != m_edit.storedChild2;
+}
+
+bool ViewBooking::guard() const
+{
+    if (!datesChanged() && !headCountChanged())
+        return true;
+    messages::critical(getString(5914, QStringLiteral("You changed important booking data. Click 'Save Changes' first.")),
+                       getString(5915, QStringLiteral("Data was changed")));
+    return false;
+}
+
+void ViewBooking::readScreen()
+{
+    m_edit.status = cboStatus->currentData().toString();
+    m_edit.reservedUntil = dpReserved->dateTime();
+    m_edit.fromDate = dpFrom->date();
+    m_edit.toDate = dpTo->date();
+    m_edit.notes = txtNotes->toPlainText();
+    m_edit.source = txtSource->text();
+    m_edit.agentComm = amountOf(txtAgentComm);
+    m_edit.deposit = amountOf(txtDeposit);
+    m_edit.BBRateID = cboRateCode->currentData().toInt();
+    m_edit.adults = countOf(txtnoadults);
+    m_edit.child1 = countOf(txtchild1);
+    m_edit.child2 = countOf(txtChild2);
+    m_edit.checkedIn = ckCheckedIn->isChecked();
+    m_edit.checkedOut = ckCheckedOut->isChecked();
+    m_edit.reference = txtReference->text();
+}
+
+bool ViewBooking::cmdSave()
+{
+    readScreen();
+    Session &session = m_main.session();
+    std::optional<SaveOutcome> outcome;
+    try {
+        const RateData rates = RateData::load(session.db());
+        outcome = BookingSave(session.db(), rates, session.getUser(), boxQuestions()).save(m_edit);
+    } catch (const DatabaseError &e) {
+        showDatabaseError(e);
+    }
+    m_loading = true;
+    dpFrom->setDate(m_edit.fromDate);
+    dpTo->setDate(m_edit.toDate);
+    ckCheckedIn->setChecked(m_edit.checkedIn);
+    ckCheckedOut->setChecked(m_edit.checkedOut);
+    m_loading = false;
+    if (!outcome)
+        return false;
+    m_main.initCalendar();
+    m_main.drawCalendar();
+    refreshTotals();
+    m_dirty = false;
+    return true;
+}
+
+void ViewBooking::cmdSplit()
+{
+    if (!guard())
+        return;
+    if (!messages::question(getString(5916, QStringLiteral("Are you sure you want to split this leg into a booking of its own?")),
+                            getString(5826, QStringLiteral("Split Booking?"))))
+        return;
+    Session &session = m_main.session();
+    std::optional<qint32> newId;
+    try {
+        const RateData rates = RateData::load(session.db());
+        newId = BookingSave(session.db(), rates, session.getUser(), boxQuestions()).split(m_edit.BBBookingID, m_edit.loadedRoomId);
+    } catch (const DatabaseError &e) {
+        showDatabaseError(e);
+    }
+    if (!newId)
+        return;
+    Calendar &calendar = session.calendar();
+    auto entry = std::make_shared<CalendarCache>();
+    entry->BBBookingID = *newId;
+    entry->Status = m_edit.status;
+    entry->Arrival = m_edit.storedFrom;
+    entry->BBClientID = m_edit.BBClientID;
+    entry->NoAdults = m_edit.storedAdults;
+    entry->Children = static_cast<qint16>(m_edit.storedChild1 + m_edit.storedChild2);
+    for (const QDate &night : nightsOf(m_edit.storedFrom, m_edit.storedTo))
+        calendar.addCalEntry(night, m_edit.loadedRoomId, entry);
+    m_main.drawCalendar();
+    load(*newId, m_edit.loadedRoomId);
+}
+
+void ViewBooking::cmdChangeRooms()
+{
+    Session &session = m_main.session();
+    std::vector<qint32> all;
+    for (const Room &room : session.property().rooms())
+        all.push_back(room.BBRoomID);
+    QStringList names;
+    std::vector<qint32> ids;
+    for (qint32 id : freeRooms(session.db(), session.calendar(), all, dpFrom->date(), nightCount(dpFrom->date(), dpTo->date()))) {
+        ids.push_back(id);
+        names << session.property().RoomName(id);
+    }
+    if (ids.empty())
+        return;
+    bool ok = false;
+    const QString chosen = QInputDialog::getItem(this, getString(5917, QStringLiteral("Change Room")),
+                                                 getString(5918, QStringLiteral("Free rooms for these dates:")), names, 0,
+                                                 false, &ok);
+    if (!ok)
+        return;
+    const qint32 room = ids[size_t(names.indexOf(chosen))];
+    if (room == m_edit.roomId)
+        return;
+    m_edit.roomId = room;
+    fillRates();
+    lblRoomName->setText(session.property().RoomName(room));
+    m_dirty = true;
+}
+
+void ViewBooking::cmdViewRooms()
+{
+    Session &session = m_main.session();
+    QStringList names;
+    std::vector<qint32> ids;
+    for (const Guest &leg : Guest::legsOf(session.db(), m_edit.BBBookingID)) {
+        ids.push_back(leg.BBRoomID);
+        names << session.property().RoomName(leg.BBRoomID) + QStringLiteral(" - ")
+                     + clientNameOf(session.db(), leg.BBClientID);
+    }
+    bool ok = false;
+    const QString chosen = QInputDialog::getItem(this, getString(5871, QStringLiteral("View all rooms")),
+                                                 getString(5873, QStringLiteral("Room")), names,
+                                                 std::max(0, int(std::find(ids.begin(), ids.end(), m_edit.loadedRoomId) - ids.begin())),
+                                                 false, &ok);
+    if (!ok || names.indexOf(chosen) < 0)
+        return;
+    const qint32 room = ids[size_t(names.indexOf(chosen))];
+    if (room != m_edit.loadedRoomId)
+        load(m_edit.BBBookingID, room);
+}
+
+void ViewBooking::cmdCalcDeposit()
+{
+    if (!guard())
+        return;
+    QString total = lblTotal->text();
+    total.remove(QLatin1Char(','));
+    const double deposit = calcDeposit(m_main.session().setup(), total.toDouble(), nightCount(dpFrom->date(), dpTo->date()));
+    txtDeposit->setText(formatAmount(deposit));
+    m_dirty = true;
+}
+
+void ViewBooking::cmdExit()
+{
+    if (m_dirty && messages::question(getString(5919, QStringLiteral("Do you want to save your changes?")),
+                                      getString(5920, QStringLiteral("Save changes?"))))
+        cmdSave();
+    accept();
+}
+
+void ViewBooking::initialise(MainWindow &frmMain, qint32 bbBookingId, qint32 bbRoomId)
+{
+    ViewBooking dialog(frmMain, &frmMain);
+    if (!dialog.load(bbBookingId, bbRoomId))
+        return;
+    dialog.exec();
+}
+
+} // namespace fenlark

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "bookings/bookingsave.h"
+
+#include <QDialog>
+
+class QCheckBox;
+class QComboBox;
+class QDateEdit;
+class QDateTimeEdit;
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+namespace fenlark {
+
+class MainWindow;
+
+// dlgDetails: one leg of one booking. Edits stay on screen until cmdSave hands
+// them to BookingSave; the linked screens refuse to open while dates or head
+// counts are changed and unsaved.
+class ViewBooking : public QDialog {
+    Q_OBJECT
+public:
+    ViewBooking(MainWindow &frmMain, QWidget *parent = nullptr);
+
+    // Loads the leg and shows the dialog modally; says why and shows nothing
+    // when the leg cannot be read.
+    static void initialise(MainWindow &frmMain, qint32 bbBookingId, qint32 bbRoomId);
+    // Loads the leg into the screen; false (after saying why) when it is missing.
+    bool load(qint32 bbBookingId, qint32 bbRoomId);
+
+    bool isDirty() const { return m_dirty; }
+    const BookingEdit &edit() const { return m_edit; }
+
+    // The two questions the linked screens ask first.
+    bool datesChanged() const;
+    bool headCountChanged() const;
+    // True when the linked screen may open; otherwise says why.
+    bool guard() const;
+
+public Q_SLOTS:
+    bool cmdSave();
+    void cmdSplit();
+    void cmdChangeRooms();
+    void cmdViewRooms();
+    void cmdCalcDeposit();
+    void cmdExit();
+
+    // The parts, for tests.
+public:
+    QComboBox *cboStatus = nullptr;
+    QDateTimeEdit *dpReserved = nullptr;
+    QDateEdit *dpFrom = nullptr;
+    QDateEdit *dpTo = nullptr;
+    QLabel *lblNoNights = nullptr;
+    QLabel *lblRoomName = nullptr;
+    QLabel *lblSingleMulti = nullptr;
+    QComboBox *cboRateCode = nullptr;
+    QLineEdit *txtnoadults = nullptr;
+    QLineEdit *txtchild1 = nullptr;
+    QLineEdit *txtChild2 = nullptr;
+    QPlainTextEdit *txtNotes = nullptr;
+    QLineEdit *txtSource = nullptr;
+    QLineEdit *txtAgentComm = nullptr;
+    QLineEdit *txtReference = nullptr;
+    QLineEdit *txtDeposit = nullptr;
+    QCheckBox *ckCheckedIn = nullptr;
+    QCheckBox *ckCheckedOut = nullptr;
+    QLabel *lblTotal = nullptr;
+
+private:
+    void build();
+    void statusChanged(int index);
+    void fillRates();
+    void getNoNights();
+    void refreshTotals();
+    void readScreen();
+    void setDirty() { if (!m_loading) m_dirty = true; }
+    QPushButton *button(const QString &name, const QString &text, bool enabled);
+
+    MainWindow &m_main;
+    BookingEdit m_edit;
+    int m_statusIndex = 0;
+    bool m_dirty = false;
+    bool m_loading = false;
+    QFormLayout *m_bookingForm = nullptr;
+    QLabel *m_bookingNo = nullptr;
+    QLabel *m_bookingDate = nullptr;
+    QLabel *m_bookingType = nullptr;
+    QLabel *outMadeBy = nullptr;
+    QLabel *outGuest = nullptr;
+    QLabel *outGuest2 = nullptr;
+    QLabel *outInvoiceTo = nullptr;
+    QLabel *lblDifferentAccount = nullptr;
+};
+
+} // namespace fenlark

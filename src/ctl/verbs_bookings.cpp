@@ -1,0 +1,223 @@
+#include "ctl/verb.h"
+
+#include "bookings/bookingsave.h"
+#include "bookings/newbooking.h"
+#include "rates/ratedata.h"
+#include "rates/roomrates.h"
+#include "bookings/bookingrecords.h"
+#include "shell/money.h"
+#include "shell/preferences.h"
+#include "shell/security.h"
+#include "shell/setuprecords.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <array>
+
+namespace fenlark::ctl {
+
+namespace {
+
+std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
+{
+    const QDate date = QDate::fromString(args.option(name), QStringLiteral("yyyy-MM-dd"));
+    if (!date.isValid()) {
+        fail(QStringLiteral("--%1 must be a date YYYY-MM-DD").arg(name));
+        return std::nullopt;
+    }
+    return date;
+}
+
+// ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]; a missing rate is the room's default
+// offered rate, a missing head count the desk's default.
+std::optional<NewBookingRoom> parseRoom(const QString &text, const RateData &rates, const QDate &from,
+                                        const QDate &to, qint16 adults)
+{
+    const QStringList parts = text.split(QLatin1Char(':'));
+    if (parts.size() > 5)
+        return std::nullopt;
+    std::array<int, 5> values{0, -1, adults, 0, 0};
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        bool ok = false;
+        values[i] = parts.at(i).toInt(&ok);
+        if (!ok || values[i] < 0 || (i >= 2 && values[i] > 999))
+            return std::nullopt;
+    }
+    if (values[0] < 1)
+        return std::nullopt;
+    NewBookingRoom room;
+    room.BBRoomID = values[0];
+    if (values[1] < 0) {
+        const std::vector<qint32> offered = getRoomRates(rates, from, to, room.BBRoomID);
+        room.BBRateID = offered.empty() ? 0 : offered.front();
+    } else {
+        room.BBRateID = values[1];
+    }
+    room.NoAdults = static_cast<qint16>(values[2]);
+    room.Child1 = static_cast<qint16>(values[3]);
+    room.Child2 = static_cast<qint16>(values[4]);
+    return room;
+}
+
+int runBook(const CommandLine &args)
+{
+    const auto from = dateOption(args, QStringLiteral("from"));
+    if (!from)
+        return 1;
+    const auto to = dateOption(args, QStringLiteral("to"));
+    if (!to)
+        return 1;
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    const RateData rates = RateData::load(*db);
+    const qint16 adults = defaultAdults(getPreference(*db, QStringLiteral("DEFUSER")));
+
+    NewBookingRequest request;
+    request.FromDate = *from;
+    request.ToDate = *to;
+    for (const QString &text : args.options(QStringLiteral("room"))) {
+        const auto room = parseRoom(text, rates, *from, *to, adults);
+        if (!room)
+            return fail(QStringLiteral("--room must be ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]] in whole numbers: %1").arg(text));
+        request.rooms.push_back(*room);
+    }
+    if (args.has(QStringLiteral("client"))) {
+        bool ok = false;
+        request.BBClientID = args.number(QStringLiteral("client"), &ok);
+        if (!ok || request.BBClientID < 1)
+            return fail(QStringLiteral("--client must be a client key"));
+    } else {
+        request.firstName = args.option(QStringLiteral("first"));
+        request.surname = args.option(QStringLiteral("surname"));
+        request.company = args.option(QStringLiteral("company"));
+    }
+
+    BBSetup setup;
+    setup.fetch(*db);
+    const UserStruct user = UserStruct::autoAdmin();
+    const auto result = BookingWriter(*db, rates, setup, user).save(request);
+    if (!result)
+        return 1;
+    QJsonArray legs;
+    for (const NewBookingLeg &leg : result->legs)
+        legs.append(QJsonObject{{"room", leg.BBRoomID}, {"guest", leg.BBGuestID}});
+    printJson(QJsonObject{{"booking", result->BBBookingID},
+                          {"legs", legs},
+                          {"account", result->BBAccountID},
+                          {"total", roundMoney(result->total)}});
+    return 0;
+}
+
+// The answers a script gives: dates move for every leg, linked bookings follow,
+// the rates are not opened (re-pricing is asked for with --reprice).
+class ScriptAnswers : public SaveQuestions {
+public:
+    bool changeAllLegs() override { return true; }
+    bool changeLinkedBookings() override { return true; }
+    bool checkRates() override { return false; }
+};
+
+std::optional<qint32> roomOption(const CommandLine &args, const QString &name)
+{
+    bool ok = false;
+    const int room = args.number(name, &ok);
+    if (!ok || room < 1) {
+        fail(QStringLiteral("--%1 must be a room key").arg(name));
+        return std::nullopt;
+    }
+    return room;
+}
+
+QJsonObject stayJson(Database &db, qint32 bookingId)
+{
+    const auto edit = loadBookingEdit(db, bookingId, Guest::legsOf(db, bookingId).front().BBRoomID);
+    const double total =
+        db.scalar(QStringLiteral("select sum(roomrate) from dailyrate where bbbookingid = ?"), {bookingId}).toDouble();
+    return QJsonObject{{"booking", bookingId},
+                       {"from", edit->fromDate.toString(Qt::ISODate)},
+                       {"to", edit->toDate.toString(Qt::ISODate)},
+                       {"total", roundMoney(total)}};
+}
+
+} // namespace
+
+int runBookingChange(const CommandLine &args)
+{
+    const QStringList words = args.positional();
+    bool ok = false;
+    const qint32 key = words.size() == 2 ? words.at(1).toInt(&ok) : 0;
+    if (!ok || key < 1)
+        return fail(QStringLiteral("usage: booking dates|room|split [--db PATH] KEY ..."));
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    const std::vector<Guest> legs = Guest::legsOf(*db, key);
+    if (legs.empty())
+        return fail(QStringLiteral("no booking %1").arg(key));
+
+    const RateData rates = RateData::load(*db);
+    const UserStruct user = UserStruct::autoAdmin();
+    ScriptAnswers answers;
+    BookingSave saver(*db, rates, user, answers);
+    const QString what = words.at(0);
+
+    if (what == QLatin1String("split")) {
+        const auto room = roomOption(args, QStringLiteral("leg"));
+        if (!room)
+            return 1;
+        const auto newKey = saver.split(key, *room);
+        if (!newKey)
+            return 1;
+        printJson(QJsonObject{{"booking", *newKey}, {"from", key}});
+        return 0;
+    }
+
+    qint32 legRoom = legs.front().BBRoomID;
+    if (what == QLatin1String("room")) {
+        const auto room = roomOption(args, QStringLiteral("leg"));
+        if (!room)
+            return 1;
+        legRoom = *room;
+    }
+    auto edit = loadBookingEdit(*db, key, legRoom);
+    if (!edit)
+        return fail(QStringLiteral("booking %1 has no leg in room %2").arg(key).arg(legRoom));
+
+    if (what == QLatin1String("dates")) {
+        const auto from = dateOption(args, QStringLiteral("from"));
+        if (!from)
+            return 1;
+        const auto to = dateOption(args, QStringLiteral("to"));
+        if (!to)
+            return 1;
+        edit->fromDate = *from;
+        edit->toDate = *to;
+        edit->repriceAll = args.has(QStringLiteral("reprice"));
+    } else if (what == QLatin1String("room")) {
+        const auto toRoom = roomOption(args, QStringLiteral("to-room"));
+        if (!toRoom)
+            return 1;
+        edit->roomId = *toRoom;
+    } else {
+        return fail(QStringLiteral("usage: booking dates|room|split [--db PATH] KEY ..."));
+    }
+    if (!saver.save(*edit))
+        return 1;
+    printJson(stayJson(*db, key));
+    return 0;
+}
+
+const std::vector<Verb> &bookingVerbs()
+{
+    static const std::vector<Verb> verbs = {
+        {"book",
+         "book [--db PATH] --from YYYY-MM-DD --to YYYY-MM-DD --room ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]... "
+         "(--client ID | --surname X [--first X] [--company X])   a new booking as the desk makes it",
+         runBook},
+    };
+    return verbs;
+}
+
+} // namespace fenlark::ctl
