@@ -149,6 +149,8 @@ int Database::execute(const QString &sql, const QVariantList &values)
         q.bindValue(i, values.at(i));
     execOrThrow(q, sql);
     const int changed = q.numRowsAffected();
+    if (sql.startsWith(QLatin1String("insert"), Qt::CaseInsensitive))
+        m_lastInsertId = q.lastInsertId().toLongLong();
     q.finish();
     return changed;
 }
@@ -172,7 +174,7 @@ QVariant Database::scalar(const QString &sql, const QVariantList &values)
 
 qint64 Database::lastInsertId()
 {
-    return scalar(QStringLiteral("select last_insert_rowid()")).toLongLong();
+    return m_lastInsertId;
 }
 
 bool Database::tableExists(const QString &table)

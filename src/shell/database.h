@@ -59,7 +59,7 @@ public:
     QSqlQuery query(const QString &sql, const QVariantList &values = {});
     // The first column of the first row, or an invalid QVariant when no row came back.
     QVariant scalar(const QString &sql, const QVariantList &values = {});
-    // The key of the last row inserted on this connection.
+    // The key of the row inserted by the last insert run through execute().
     qint64 lastInsertId();
 
     bool tableExists(const QString &table);
@@ -81,6 +81,7 @@ private:
     QSqlDatabase m_db;
     QHash<QString, QSqlQuery> m_statements;
     int m_depth = 0;
+    qint64 m_lastInsertId = 0;
 };
 
 // A unit of work: every statement between construction and commit() stands or
