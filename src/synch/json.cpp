@@ -319,39 +319,55 @@ private:
         return true;
     }
 
-    JsonValue parseObject()
+    // Steps over the opening bracket of an object or array; false (with the
+    // error noted) when it is missing or the nesting is too deep.
+    bool openContainer(QChar open, const QString &kind, qsizetype shownLength)
     {
-        auto object = std::make_shared<JsonObject>();
-        JsonValue result(object);
         skipChar();
-        if (atEnd() || at() != u'{') {
-            m_errors += QStringLiteral("Invalid Object at position %1 : %2\r\n").arg(position(), remainder());
-            return result;
+        if (atEnd() || at() != open) {
+            m_errors += QStringLiteral("Invalid %1 at position %2 : %3\r\n").arg(kind, position(), remainder(shownLength));
+            return false;
         }
         if (!enter()) {
             m_errors += QStringLiteral("Nesting too deep at position %1\r\n").arg(position());
             m_pos = m_size;
-            return result;
+            return false;
         }
         ++m_pos;
-        while (true) {
+        return true;
+    }
+
+    // Moves to the next member of an object or array: false at the closing
+    // bracket or at the end of the text (noted as an error).
+    bool nextMember(QChar close, const QString &kind)
+    {
+        skipChar();
+        if (atEnd()) {
+            m_errors += QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(kind, position());
+            return false;
+        }
+        if (at() == close) {
+            ++m_pos;
+            return false;
+        }
+        if (at() == u',') {
+            ++m_pos;
             skipChar();
             if (atEnd()) {
-                m_errors += QStringLiteral("Unexpected end of text in object at position %1\r\n").arg(position());
-                break;
+                m_errors += QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(kind, position());
+                return false;
             }
-            if (at() == u'}') {
-                ++m_pos;
-                break;
-            }
-            if (at() == u',') {
-                ++m_pos;
-                skipChar();
-                if (atEnd()) {
-                    m_errors += QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(QStringLiteral("object"), position());
-                    break;
-                }
-            }
+        }
+        return true;
+    }
+
+    JsonValue parseObject()
+    {
+        auto object = std::make_shared<JsonObject>();
+        JsonValue result(object);
+        if (!openContainer(u'{', QStringLiteral("Object"), -1))
+            return result;
+        while (nextMember(u'}', QStringLiteral("object"))) {
             const QString key = parseKey();
             try {
                 const JsonValue value = parseValue();
@@ -370,35 +386,9 @@ private:
     {
         auto array = std::make_shared<JsonArray>();
         JsonValue result(array);
-        skipChar();
-        if (atEnd() || at() != u'[') {
-            m_errors += QStringLiteral("Invalid Array at position %1 : %2\r\n").arg(position(), remainder(20));
+        if (!openContainer(u'[', QStringLiteral("Array"), 20))
             return result;
-        }
-        if (!enter()) {
-            m_errors += QStringLiteral("Nesting too deep at position %1\r\n").arg(position());
-            m_pos = m_size;
-            return result;
-        }
-        ++m_pos;
-        while (true) {
-            skipChar();
-            if (atEnd()) {
-                m_errors += QStringLiteral("Unexpected end of text in array at position %1\r\n").arg(position());
-                break;
-            }
-            if (at() == u']') {
-                ++m_pos;
-                break;
-            }
-            if (at() == u',') {
-                ++m_pos;
-                skipChar();
-                if (atEnd()) {
-                    m_errors += QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(QStringLiteral("array"), position());
-                    break;
-                }
-            }
+        while (nextMember(u']', QStringLiteral("array"))) {
             const qsizetype before = m_pos;
             try {
                 array->append(parseValue());
