@@ -99,6 +99,8 @@ std::unique_ptr<Database> Database::open(const QString &path)
     try {
         database->execute(QStringLiteral("pragma journal_mode = wal"));
         database->execute(QStringLiteral("pragma synchronous = normal"));
+        // Ten years of a busy property is tens of megabytes; keep the working set in memory.
+        database->execute(QStringLiteral("pragma cache_size = -32768"));
         Schema::ensure(*database);
     } catch (const DatabaseError &e) {
         throw DatabaseOpenError(path, e.message());
@@ -135,7 +137,7 @@ void Database::execOrThrow(QSqlQuery &q, const QString &sql)
         throw DatabaseError(q.lastError().text(), sql);
 }
 
-int Database::execute(const QString &sql, const QVariantList &values)
+QSqlQuery &Database::prepared(const QString &sql)
 {
     auto it = m_statements.find(sql);
     if (it == m_statements.end()) {
@@ -144,7 +146,18 @@ int Database::execute(const QString &sql, const QVariantList &values)
         prepareOrThrow(q, sql);
         it = m_statements.insert(sql, q);
     }
-    QSqlQuery &q = it.value();
+    return it.value();
+}
+
+void Database::finishStatements()
+{
+    for (QSqlQuery &q : m_statements)
+        q.finish();
+}
+
+int Database::execute(const QString &sql, const QVariantList &values)
+{
+    QSqlQuery &q = prepared(sql);
     for (int i = 0; i < values.size(); ++i)
         q.bindValue(i, values.at(i));
     execOrThrow(q, sql);
@@ -166,10 +179,22 @@ QSqlQuery Database::query(const QString &sql, const QVariantList &values)
     return q;
 }
 
+QSqlQuery &Database::repeatedQuery(const QString &sql, const QVariantList &values)
+{
+    QSqlQuery &q = prepared(sql);
+    q.finish();
+    for (int i = 0; i < values.size(); ++i)
+        q.bindValue(i, values.at(i));
+    execOrThrow(q, sql);
+    return q;
+}
+
 QVariant Database::scalar(const QString &sql, const QVariantList &values)
 {
-    QSqlQuery q = query(sql, values);
-    return q.next() ? q.value(0) : QVariant();
+    QSqlQuery &q = repeatedQuery(sql, values);
+    QVariant value = q.next() ? q.value(0) : QVariant();
+    q.finish();
+    return value;
 }
 
 qint64 Database::lastInsertId()
@@ -190,6 +215,9 @@ void Database::beginLevel()
 
 void Database::releaseLevel()
 {
+    // The outermost release commits, which a kept statement with unread rows would refuse.
+    if (m_depth == 1)
+        finishStatements();
     execute(QStringLiteral("release savepoint level%1").arg(m_depth));
     --m_depth;
 }
@@ -197,6 +225,8 @@ void Database::releaseLevel()
 void Database::rollbackLevel()
 {
     const QString name = QStringLiteral("level%1").arg(m_depth);
+    if (m_depth == 1)
+        finishStatements();
     --m_depth;
     QSqlQuery q(m_db);
     q.exec(QStringLiteral("rollback to savepoint ") + name);

@@ -57,7 +57,11 @@ public:
     int execute(const QString &sql, const QVariantList &values = {});
     // Runs a query and hands it back positioned before its first row.
     QSqlQuery query(const QString &sql, const QVariantList &values = {});
-    // The first column of the first row, or an invalid QVariant when no row came back.
+    // A query run once per row of a loop: its prepared form is kept like execute()'s.
+    // The caller reads what it needs before running the same text again.
+    QSqlQuery &repeatedQuery(const QString &sql, const QVariantList &values = {});
+    // The first column of the first row, or an invalid QVariant when no row came
+    // back. The prepared form is kept, as for execute().
     QVariant scalar(const QString &sql, const QVariantList &values = {});
     // The key of the row inserted by the last insert run through execute().
     qint64 lastInsertId();
@@ -75,6 +79,8 @@ private:
     static QSqlDatabase connect(const QString &path, const QString &name, bool readOnly);
     void prepareOrThrow(QSqlQuery &q, const QString &sql);
     void execOrThrow(QSqlQuery &q, const QString &sql);
+    QSqlQuery &prepared(const QString &sql);
+    void finishStatements();
 
     QString m_path;
     QString m_connectionName;

@@ -14,11 +14,11 @@ JsonValue PcUpdates::readRecord(Database &db, const QString &table, qint32 local
 {
     if (!SynchTables::isShared(table))
         return JsonValue();
-    QSqlQuery q = db.query(QStringLiteral("select * from %1 where %2 = ?").arg(table, SynchTables::localKey(table)),
-                           {localKey});
-    if (!q.next())
-        return JsonValue();
-    return json::recordToValue(q.record());
+    QSqlQuery &q = db.repeatedQuery(QStringLiteral("select * from %1 where %2 = ?").arg(table, SynchTables::localKey(table)),
+                                    {localKey});
+    JsonValue values = q.next() ? json::recordToValue(q.record()) : JsonValue();
+    q.finish();
+    return values;
 }
 
 JsonValue PcUpdates::collectPCUpdates(Database &db, const JsonArray &requestedRecords, int logLimit)

@@ -107,6 +107,29 @@ private Q_SLOTS:
         QCOMPARE(t.db().scalar("select group_concat(prefcode) from preference").toString(), QString("A"));
         QCOMPARE(t.db().transactionDepth(), 0);
     }
+
+    // Kept statements are run again with new values, see rows written since, and a
+    // statement left with unread rows does not stop a commit.
+    void keptStatementsSeeNewRowsAndDoNotHoldCommits()
+    {
+        TestDatabase t;
+        const QString count = QStringLiteral("select count(*) from preference where prefcode like ?");
+        QCOMPARE(t.db().scalar(count, {"K%"}).toInt(), 0);
+        {
+            Transaction tx(t.db());
+            t.db().execute("insert into preference (prefcode, prefvalue) values ('K1', '1'), ('K2', '2')");
+            QSqlQuery &rows = t.db().repeatedQuery("select prefcode from preference where prefcode like ? order by prefcode", {"K%"});
+            QVERIFY(rows.next());
+            QCOMPARE(rows.value(0).toString(), QString("K1"));
+            QCOMPARE(t.db().scalar(count, {"K%"}).toInt(), 2);
+            tx.commit();
+        }
+        QCOMPARE(t.db().scalar(count, {"K2"}).toInt(), 1);
+        QSqlQuery &again = t.db().repeatedQuery("select prefcode from preference where prefcode like ? order by prefcode", {"K2"});
+        QVERIFY(again.next());
+        QCOMPARE(again.value(0).toString(), QString("K2"));
+        QVERIFY(!again.next());
+    }
 };
 
 class TestBackup : public QObject {
