@@ -117,12 +117,11 @@ bool Synch::synchronise()
             m_requests.clear();
             int idle = 0;
             while (!m_failed) {
-                const int pendingBefore = ChangeLog::count(m_db);
                 exchange();
                 if (m_failed || !moreToDo())
                     break;
                 const bool sameReply = m_reply == m_previousReply;
-                const bool moved = m_ackedThisExchange > 0 || ChangeLog::count(m_db) != pendingBefore
+                const bool moved = m_ackedThisExchange > 0 || ChangeLog::count(m_db) != m_pendingBefore
                     || (m_appliedThisExchange > 0 && !sameReply);
                 idle = moved ? 0 : idle + 1;
                 if (idle >= MaxIdleExchanges) {
@@ -148,6 +147,7 @@ void Synch::exchange()
 {
     ++m_summary.exchanges;
     const int waiting = ChangeLog::count(m_db);
+    m_pendingBefore = waiting;
     progress(getString(6002, QStringLiteral("Writing PC updates...")));
     const JsonValue updates = PcUpdates::collectPCUpdates(m_db, m_requestedRecords, m_logLimit);
     m_logUpdates = *updates.array();

@@ -97,6 +97,7 @@ private:
     int m_ackedThisExchange = 0;
     int m_appliedThisExchange = 0;
     SynchSummary m_summary;
+    int m_pendingBefore = 0;   // log rows waiting when the current exchange began
 };
 
 } // namespace fenlark
