@@ -96,6 +96,11 @@ ReferenceServer::ReferenceServer(const QString &path, const QString &connectionN
     if (!m_db.open())
         throw ServerError(QStringLiteral("cannot open %1: %2").arg(path, m_db.lastError().text()));
     exec(QStringLiteral("pragma busy_timeout = 5000"));
+    // A commit per exchange: the write-ahead log keeps that to one write, not a
+    // journal file made and removed each time.
+    exec(QStringLiteral("pragma journal_mode = wal"));
+    exec(QStringLiteral("pragma synchronous = normal"));
+    exec(QStringLiteral("pragma cache_size = -32768"));
     exec(QStringLiteral("create table if not exists property (bbid integer primary key, password text not null, "
                         "name text not null default '', synchcounter integer not null default 1, lastupdated text)"));
     exec(QStringLiteral("create table if not exists setup (bbid integer not null, tablename text not null, rows text not null, "
@@ -104,6 +109,8 @@ ReferenceServer::ReferenceServer(const QString &path, const QString &connectionN
                         "tablename text not null, localid integer not null default 0, data text not null, "
                         "unresolved integer not null default 0)"));
     exec(QStringLiteral("create index if not exists record_local on record (bbid, tablename, localid)"));
+    // Each exchange looks for rows still waiting on a reference; there are few.
+    exec(QStringLiteral("create index if not exists record_unresolved on record (bbid) where unresolved = 1"));
     exec(QStringLiteral("create table if not exists outbox (id integer primary key autoincrement, bbid integer not null, "
                         "tablename text not null, tableid integer not null, logtype text not null)"));
     exec(QStringLiteral("create table if not exists fault (name text primary key, remaining integer not null)"));
@@ -111,27 +118,44 @@ ReferenceServer::ReferenceServer(const QString &path, const QString &connectionN
 
 ReferenceServer::~ReferenceServer()
 {
+    m_statements.clear();
     m_db.close();
     m_db = QSqlDatabase();
     QSqlDatabase::removeDatabase(m_connectionName);
 }
 
-QSqlQuery ReferenceServer::exec(const QString &sql, const QVariantList &values)
+QSqlQuery &ReferenceServer::exec(const QString &sql, const QVariantList &values)
 {
-    QSqlQuery q(m_db);
-    if (!q.prepare(sql))
-        throw ServerError(q.lastError().text() + QStringLiteral(" [") + sql + QLatin1Char(']'));
-    for (const QVariant &v : values)
-        q.addBindValue(v);
+    auto it = m_statements.find(sql);
+    if (it == m_statements.end()) {
+        QSqlQuery prepared(m_db);
+        prepared.setForwardOnly(true);
+        if (!prepared.prepare(sql))
+            throw ServerError(prepared.lastError().text() + QStringLiteral(" [") + sql + QLatin1Char(']'));
+        it = m_statements.insert(sql, prepared);
+    }
+    QSqlQuery &q = it.value();
+    q.finish();
+    for (int i = 0; i < values.size(); ++i)
+        q.bindValue(i, values.at(i));
     if (!q.exec())
         throw ServerError(q.lastError().text() + QStringLiteral(" [") + sql + QLatin1Char(']'));
     return q;
 }
 
+void ReferenceServer::finishStatements()
+{
+    // SQLite refuses to commit while a kept statement still holds unread rows.
+    for (QSqlQuery &q : m_statements)
+        q.finish();
+}
+
 QVariant ReferenceServer::scalar(const QString &sql, const QVariantList &values)
 {
-    QSqlQuery q = exec(sql, values);
-    return q.next() ? q.value(0) : QVariant();
+    QSqlQuery &q = exec(sql, values);
+    QVariant value = q.next() ? q.value(0) : QVariant();
+    q.finish();
+    return value;
 }
 
 void ReferenceServer::begin()
@@ -141,11 +165,13 @@ void ReferenceServer::begin()
 
 void ReferenceServer::commit()
 {
+    finishStatements();
     exec(QStringLiteral("commit"));
 }
 
 void ReferenceServer::rollback()
 {
+    finishStatements();
     QSqlQuery q(m_db);
     q.exec(QStringLiteral("rollback"));
 }
@@ -274,7 +300,7 @@ QString ReferenceServer::handleSetup(qint32 bbid, const QString &password, const
         return json::toString(JsonValue(reply));
     }
     auto data = std::make_shared<JsonObject>();
-    QSqlQuery q = exec(QStringLiteral("select tablename, rows from setup where bbid = ? order by tablename"), {bbid});
+    QSqlQuery &q = exec(QStringLiteral("select tablename, rows from setup where bbid = ? order by tablename"), {bbid});
     while (q.next()) {
         const QString table = q.value(0).toString();
         JsonValue rows = json::parse(q.value(1).toString());
@@ -327,7 +353,7 @@ int ReferenceServer::rowCount(qint32 bbid, const QString &table)
 QList<qint32> ReferenceServer::tableIds(qint32 bbid, const QString &table)
 {
     QList<qint32> ids;
-    QSqlQuery q = exec(QStringLiteral("select tableid from record where bbid = ? and tablename = ? order by tableid"), {bbid, table});
+    QSqlQuery &q = exec(QStringLiteral("select tableid from record where bbid = ? and tablename = ? order by tableid"), {bbid, table});
     while (q.next())
         ids << q.value(0).toInt();
     return ids;
@@ -371,14 +397,15 @@ qint32 ReferenceServer::storeRow(qint32 bbid, const QString &table, qint32 local
         exec(QStringLiteral("update record set data = ?, unresolved = ? where tableid = ?"), {text, unresolved ? 1 : 0, existing});
         return existing;
     }
-    exec(QStringLiteral("insert into record (bbid, tablename, localid, data, unresolved) values (?,?,?,?,?)"),
-         {bbid, table, localId, text, unresolved ? 1 : 0});
-    return scalar(QStringLiteral("select last_insert_rowid()")).toInt();
+    return exec(QStringLiteral("insert into record (bbid, tablename, localid, data, unresolved) values (?,?,?,?,?)"),
+                {bbid, table, localId, text, unresolved ? 1 : 0})
+        .lastInsertId()
+        .toInt();
 }
 
 void ReferenceServer::resolveReferences(qint32 bbid, JsonArray &requests, QSet<QString> &requested)
 {
-    QSqlQuery q = exec(QStringLiteral("select tableid, tablename, data from record where bbid = ? and unresolved = 1"), {bbid});
+    QSqlQuery &q = exec(QStringLiteral("select tableid, tablename, data from record where bbid = ? and unresolved = 1"), {bbid});
     std::vector<std::tuple<qint32, QString, QString>> rows;
     while (q.next())
         rows.emplace_back(q.value(0).toInt(), q.value(1).toString(), q.value(2).toString());
@@ -422,15 +449,17 @@ JsonValue ReferenceServer::recordEntry(qint32 bbid, const QString &table, qint32
     entry->add(QStringLiteral("tableid"), JsonValue(tableId));
     if (logType == QLatin1String("D"))
         return JsonValue(entry);
-    QSqlQuery q = exec(QStringLiteral("select data, localid from record where bbid = ? and tablename = ? and tableid = ?"), {bbid, table, tableId});
+    QSqlQuery &q = exec(QStringLiteral("select data, localid from record where bbid = ? and tablename = ? and tableid = ?"), {bbid, table, tableId});
     if (!q.next())
         return JsonValue();
     JsonValue values = json::parse(q.value(0).toString());
+    const qint32 localId = q.value(1).toInt();
+    q.finish();
     if (!values.isObject())
         return JsonValue();
     values.object()->set(serverKeyOf(table), JsonValue(tableId));
-    if (q.value(1).toInt() > 0)
-        values.object()->set(localKeyOf(table), JsonValue(q.value(1).toInt()));
+    if (localId > 0)
+        values.object()->set(localKeyOf(table), JsonValue(localId));
     entry->add(QStringLiteral("values"), values);
     return JsonValue(entry);
 }
@@ -515,7 +544,7 @@ QString ReferenceServer::handlePcSynch(qint32 bbid, const QString &password, con
                     logupdates->append(entry);
             }
         }
-        QSqlQuery out = exec(QStringLiteral("select id, tablename, tableid, logtype from outbox where bbid = ? order by id limit ?"),
+        QSqlQuery &out = exec(QStringLiteral("select id, tablename, tableid, logtype from outbox where bbid = ? order by id limit ?"),
                              {bbid, OutboxLimit});
         std::vector<std::tuple<qint32, QString, qint32, QString>> pending;
         while (out.next())
@@ -677,7 +706,7 @@ void ReferenceServer::setFault(const QString &name, int count)
 
 QString ReferenceServer::takeFault()
 {
-    QSqlQuery q = exec(QStringLiteral("select name, remaining from fault where remaining <> 0 order by name limit 1"));
+    QSqlQuery &q = exec(QStringLiteral("select name, remaining from fault where remaining <> 0 order by name limit 1"));
     if (!q.next())
         return QString();
     const QString name = q.value(0).toString();

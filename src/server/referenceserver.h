@@ -3,6 +3,7 @@
 #include "synch/json.h"
 
 #include <QDate>
+#include <QHash>
 #include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
@@ -88,8 +89,11 @@ public:
     static const QStringList &faultNames();
 
 private:
-    QSqlQuery exec(const QString &sql, const QVariantList &values = {});
+    // Runs a statement, keeping its prepared form for the next call with the same
+    // text; the caller reads its rows before running that text again.
+    QSqlQuery &exec(const QString &sql, const QVariantList &values = {});
     QVariant scalar(const QString &sql, const QVariantList &values = {});
+    void finishStatements();
     void begin();
     void commit();
     void rollback();
@@ -103,6 +107,7 @@ private:
 
     QSqlDatabase m_db;
     QString m_connectionName;
+    QHash<QString, QSqlQuery> m_statements;
 };
 
 } // namespace fenlark::server
