@@ -6,11 +6,16 @@
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
 #include <QPointer>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
 #include <QUrlQuery>
 
 #include <algorithm>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 namespace fenlark::server {
 
@@ -72,9 +77,45 @@ QString applyReplyFault(const QString &fault, const QString &reply)
     return json::toString(value);
 }
 
+// Acknowledges every piece of a request at once. A client that writes its body in
+// pieces without TCP_NODELAY (Qt's own does) otherwise waits on the kernel's
+// delayed acknowledgement, some 40 ms, once per exchange.
+class QuickAckServer : public QTcpServer {
+public:
+    using QTcpServer::QTcpServer;
+
+protected:
+    void incomingConnection(qintptr descriptor) override
+    {
+        auto *socket = new QTcpSocket(this);
+        if (!socket->setSocketDescriptor(descriptor)) {
+            delete socket;
+            return;
+        }
+#ifdef TCP_QUICKACK
+        QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+            const int on = 1;
+            setsockopt(static_cast<int>(socket->socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
+        });
+#endif
+        addPendingConnection(socket);
+    }
+};
+
 } // namespace
 
 HttpFront::HttpFront(ReferenceServer &store, QObject *parent) : QAbstractHttpServer(parent), m_store(store) {}
+
+quint16 HttpFront::listen(const QHostAddress &address, quint16 port)
+{
+    auto *server = new QuickAckServer(this);
+    if (!server->listen(address, port)) {
+        delete server;
+        return 0;
+    }
+    bind(server);
+    return server->serverPort();
+}
 
 QString HttpFront::synchronisation(const QHttpServerRequest &request, QString &fault)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractHttpServer>
+#include <QHostAddress>
 
 namespace fenlark::server {
 
@@ -13,6 +14,9 @@ class ReferenceServer;
 class HttpFront : public QAbstractHttpServer {
 public:
     explicit HttpFront(ReferenceServer &store, QObject *parent = nullptr);
+    // Starts listening; answers the port (useful with 0, "any free port"), or 0
+    // when the address cannot be had.
+    quint16 listen(const QHostAddress &address, quint16 port);
     // How long a stalled reply holds the connection before dropping it.
     void setStallMs(int ms) { m_stallMs = ms; }
 
