@@ -10,6 +10,7 @@ struct UserMessage {
     Kind kind = Information;
     QString text;
     QString title;
+    bool defaultNo = false;   // a question whose careless Enter must not agree
 };
 
 // Where the core's messages go. The desk program shows them in dialogs,
@@ -31,6 +32,8 @@ void critical(const QString &text, const QString &title);
 void information(const QString &text, const QString &title);
 void warning(const QString &text, const QString &title);
 bool question(const QString &text, const QString &title);
+// The same question with No as the default answer.
+bool questionDefaultNo(const QString &text, const QString &title);
 } // namespace messages
 
 } // namespace fenlark

@@ -371,6 +371,35 @@ private Q_SLOTS:
         QCOMPARE(tableCounts(db()), before);
     }
 
+    void changedClientsAreSavedOnTheirLegOnly()
+    {
+        RecordingSink sink;
+        const qint32 id = book({1, 2});
+        const qint32 otherGuest = loadBookingEdit(db(), id, 2)->BBClientID;
+        QList<qint32> clients;
+        for (const char *surname : {"Teal", "Wren", "Crane"}) {
+            Client client;
+            client.Surname = QString::fromLatin1(surname);
+            client.update(db());
+            clients << client.BBClientID;
+        }
+        Answers answers;
+        auto edit = loadBookingEdit(db(), id, 1);
+        edit->MadeBy = clients[0];
+        edit->BBClientID = clients[1];
+        edit->BBClient2ID = clients[2];
+        QVERIFY(BookingSave(db(), m_rates, m_user, answers).save(*edit));
+        edit = loadBookingEdit(db(), id, 1);
+        QCOMPARE(QList<qint32>({edit->MadeBy, edit->BBClientID, edit->BBClient2ID}), clients);
+        QCOMPARE(loadBookingEdit(db(), id, 2)->BBClientID, otherGuest);
+        QCOMPARE(loadBookingEdit(db(), id, 2)->MadeBy, clients[0]);
+
+        edit->BBClient2ID = 0;
+        QVERIFY(BookingSave(db(), m_rates, m_user, answers).save(*edit));
+        QCOMPARE(loadBookingEdit(db(), id, 1)->BBClient2ID, 0);
+        QCOMPARE(answers.asked + answers.ratesAsked, 0);
+    }
+
     void statusUnavailableClearsNightsAndLinkedBookingsFollow()
     {
         RecordingSink sink;

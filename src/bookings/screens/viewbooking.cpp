@@ -5,8 +5,12 @@
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/newbooking.h"
+#include "bookings/screens/viewrooms.h"
 #include "bookings/staydates.h"
 #include "clients/clientrecords.h"
+#include "clients/screens/clientsearchdialogs.h"
+#include "clients/screens/sourcelist.h"
+#include "clients/sources.h"
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
 #include "rates/roomrates.h"
@@ -19,10 +23,12 @@
 #include "shell/textformat.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QInputDialog>
 #include <QLabel>
@@ -82,6 +88,24 @@ ViewBooking::ViewBooking(MainWindow &frmMain, QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("dlgDetails"));
     setWindowTitle(getString(5860, QStringLiteral("Booking Details")));
+    Database &db = frmMain.session().db();
+    choosers.client = [&db](QWidget *parent) {
+        ClientDSearch dialog(db, parent);
+        dialog.exec();
+        return dialog.BBClientID();
+    };
+    choosers.source = [&db](QWidget *parent, const QString &typed) {
+        SourceList dialog(db, typed, parent);
+        dialog.exec();
+        return dialog.getSource();
+    };
+    choosers.room = [&db](QWidget *parent, qint32 bbBookingId) {
+        ViewRooms dialog(db, bbBookingId, parent);
+        if (!dialog.initialise())
+            return 0;
+        dialog.exec();
+        return dialog.selectedRoomid();
+    };
     build();
 }
 
@@ -124,8 +148,10 @@ void ViewBooking::build()
     auto *madeBy = new QHBoxLayout;
     madeBy->addWidget(outMadeBy, 1);
     madeBy->addWidget(button(QStringLiteral("cmdMadeBy"), getString(5866, QStringLiteral("View")), false));
-    madeBy->addWidget(button(QStringLiteral("cmdMadeByChange"), getString(5867, QStringLiteral("Change")), false));
-    madeBy->addWidget(button(QStringLiteral("cmdMadeByEmail"), getString(5868, QStringLiteral("E-mail")), false));
+    auto *madeByChange = button(QStringLiteral("cmdMadeByChange"), getString(5867, QStringLiteral("Change")), true);
+    auto *madeByEmail = button(QStringLiteral("cmdMadeByEmail"), getString(5868, QStringLiteral("E-mail")), true);
+    madeBy->addWidget(madeByChange);
+    madeBy->addWidget(madeByEmail);
     bf->addRow(getString(5869, QStringLiteral("Made by")), madeBy);
     lblRoomName = new QLabel(booking);
     lblRoomName->setObjectName(QStringLiteral("lblRoomName"));
@@ -164,7 +190,8 @@ void ViewBooking::build()
     txtSource->setObjectName(QStringLiteral("txtSource"));
     auto *source = new QHBoxLayout;
     source->addWidget(txtSource, 1);
-    source->addWidget(button(QStringLiteral("cmdSources"), QStringLiteral("..."), false));
+    m_sources = button(QStringLiteral("cmdSources"), QStringLiteral("..."), true);
+    source->addWidget(m_sources);
     bf->addRow(getString(5878, QStringLiteral("Source")), source);
     txtAgentComm = numberBox(booking, QStringLiteral("txtAgentComm"));
     bf->addRow(getString(5879, QStringLiteral("Agent commission %")), txtAgentComm);
@@ -191,17 +218,22 @@ void ViewBooking::build()
     gf->addRow(getString(5887, QStringLiteral("Guest")), outGuest);
     auto *guestButtons = new QHBoxLayout;
     guestButtons->addWidget(button(QStringLiteral("cmdGuest1"), getString(5866, QStringLiteral("View")), false));
-    guestButtons->addWidget(button(QStringLiteral("cmdGuest1Change"), getString(5867, QStringLiteral("Change")), false));
-    guestButtons->addWidget(button(QStringLiteral("cmdGuest1Email"), getString(5868, QStringLiteral("E-mail")), false));
+    auto *guest1Change = button(QStringLiteral("cmdGuest1Change"), getString(5867, QStringLiteral("Change")), true);
+    auto *guest1Email = button(QStringLiteral("cmdGuest1Email"), getString(5868, QStringLiteral("E-mail")), true);
+    guestButtons->addWidget(guest1Change);
+    guestButtons->addWidget(guest1Email);
     gf->addRow(guestButtons);
     outGuest2 = new QLabel(guest);
     outGuest2->setObjectName(QStringLiteral("outGuest2"));
     gf->addRow(getString(5888, QStringLiteral("Second guest")), outGuest2);
     auto *guest2Buttons = new QHBoxLayout;
     guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2"), getString(5866, QStringLiteral("View")), false));
-    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2Change"), getString(5867, QStringLiteral("Change")), false));
-    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2del"), getString(5889, QStringLiteral("Remove")), false));
-    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2Email"), getString(5868, QStringLiteral("E-mail")), false));
+    auto *guest2Change = button(QStringLiteral("cmdGuest2Change"), getString(5867, QStringLiteral("Change")), true);
+    m_guest2Del = button(QStringLiteral("cmdGuest2del"), getString(5889, QStringLiteral("Remove")), false);
+    m_guest2Email = button(QStringLiteral("cmdGuest2Email"), getString(5868, QStringLiteral("E-mail")), false);
+    guest2Buttons->addWidget(guest2Change);
+    guest2Buttons->addWidget(m_guest2Del);
+    guest2Buttons->addWidget(m_guest2Email);
     gf->addRow(guest2Buttons);
     ckCheckedIn = new QCheckBox(getString(5890, QStringLiteral("Checked in")), guest);
     ckCheckedIn->setObjectName(QStringLiteral("ckCheckedIn"));
@@ -257,6 +289,15 @@ void ViewBooking::build()
     connect(changeRooms, &QPushButton::clicked, this, &ViewBooking::cmdChangeRooms);
     connect(viewRooms, &QPushButton::clicked, this, &ViewBooking::cmdViewRooms);
     connect(calcDeposit, &QPushButton::clicked, this, &ViewBooking::cmdCalcDeposit);
+    connect(madeByChange, &QPushButton::clicked, this, &ViewBooking::cmdMadeByChange);
+    connect(guest1Change, &QPushButton::clicked, this, &ViewBooking::cmdGuest1Change);
+    connect(guest2Change, &QPushButton::clicked, this, &ViewBooking::cmdGuest2Change);
+    connect(m_guest2Del, &QPushButton::clicked, this, &ViewBooking::cmdGuest2del);
+    connect(madeByEmail, &QPushButton::clicked, this, &ViewBooking::cmdMadeByEmail);
+    connect(guest1Email, &QPushButton::clicked, this, &ViewBooking::cmdGuest1Email);
+    connect(m_guest2Email, &QPushButton::clicked, this, &ViewBooking::cmdGuest2Email);
+    connect(m_sources, &QPushButton::clicked, this, &ViewBooking::cmdSources);
+    connect(txtSource, &QLineEdit::textChanged, this, &ViewBooking::sourceChanged);
     connect(cboStatus, &QComboBox::currentIndexChanged, this, &ViewBooking::statusChanged);
     connect(dpFrom, &QDateEdit::dateChanged, this, [this] { setDirty(); getNoNights(); });
     connect(dpTo, &QDateEdit::dateChanged, this, [this] { setDirty(); getNoNights(); });
@@ -308,15 +349,15 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     m_bookingDate->setText(head.BookingDate.toString(QStringLiteral("dd/MM/yyyy hh:mm")));
     m_bookingType->setText(bookingTypeName(head.BookingType));
     txtSource->setText(m_edit.source);
-    txtSource->setReadOnly(head.BookingType == bookingtype::Online && m_edit.source != QLatin1String("WebView"));
+    const bool fixedSource = head.BookingType == bookingtype::Online && m_edit.source != QLatin1String("WebView");
+    txtSource->setReadOnly(fixedSource);
+    m_sources->setEnabled(!fixedSource);
     txtAgentComm->setText(formatAmount(m_edit.agentComm));
     txtDeposit->setText(formatAmount(m_edit.deposit));
     txtNotes->setPlainText(m_edit.notes);
     txtReference->setText(m_edit.reference);
     lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
-    outMadeBy->setText(clientNameOf(db, m_edit.MadeBy));
-    outGuest->setText(clientNameOf(db, m_edit.BBClientID));
-    outGuest2->setText(clientNameOf(db, m_edit.BBClient2ID));
+    showNames();
     outInvoiceTo->setText(outMadeBy->text());
     getNoNights();
     refreshTotals();
@@ -531,24 +572,15 @@ void ViewBooking::cmdChangeRooms()
 
 void ViewBooking::cmdViewRooms()
 {
-    Session &session = m_main.session();
-    QStringList names;
-    std::vector<qint32> ids;
-    for (const Guest &leg : Guest::legsOf(session.db(), m_edit.BBBookingID)) {
-        ids.push_back(leg.BBRoomID);
-        names << session.property().RoomName(leg.BBRoomID) + QStringLiteral(" - ")
-                     + clientNameOf(session.db(), leg.BBClientID);
-    }
-    bool ok = false;
-    const QString chosen = QInputDialog::getItem(this, getString(5871, QStringLiteral("View all rooms")),
-                                                 getString(5873, QStringLiteral("Room")), names,
-                                                 std::max(0, int(std::find(ids.begin(), ids.end(), m_edit.loadedRoomId) - ids.begin())),
-                                                 false, &ok);
-    if (!ok || names.indexOf(chosen) < 0)
+    const qint32 room = choosers.room(this, m_edit.BBBookingID);
+    if (room == 0 || room == m_edit.loadedRoomId)
         return;
-    const qint32 room = ids[size_t(names.indexOf(chosen))];
-    if (room != m_edit.loadedRoomId)
-        load(m_edit.BBBookingID, room);
+    if (!legHasGuest(m_main.session().db(), m_edit.BBBookingID, room)) {
+        messages::critical(getString(5925, QStringLiteral("Error: Could not fetch guest record. Please call veldmoor(021 555 0100).")),
+                           getString(5926, QStringLiteral("Could not fetch guest record.")));
+        return;
+    }
+    load(m_edit.BBBookingID, room);
 }
 
 void ViewBooking::cmdCalcDeposit()
@@ -568,6 +600,132 @@ void ViewBooking::cmdExit()
                                       getString(5920, QStringLiteral("Save changes?"))))
         cmdSave();
     accept();
+}
+
+void ViewBooking::showNames()
+{
+    Database &db = m_main.session().db();
+    outMadeBy->setText(clientNameOf(db, m_edit.MadeBy));
+    outGuest->setText(clientNameOf(db, m_edit.BBClientID));
+    outGuest2->setText(clientNameOf(db, m_edit.BBClient2ID));
+    m_guest2Del->setEnabled(m_edit.BBClient2ID != 0);
+    m_guest2Email->setEnabled(m_edit.BBClient2ID != 0);
+}
+
+qint32 ViewBooking::chooseOtherClient(qint32 current)
+{
+    const qint32 chosen = choosers.client(this);
+    return chosen == current ? 0 : chosen;
+}
+
+void ViewBooking::cmdMadeByChange()
+{
+    const qint32 chosen = chooseOtherClient(m_edit.MadeBy);
+    if (chosen < 1)
+        return;
+    m_edit.MadeBy = chosen;
+    m_dirty = true;
+    showNames();
+    messages::information(getString(5927, QStringLiteral("You have changed who 'made' this booking.")) + QStringLiteral("\n\n")
+                              + getString(5928, QStringLiteral("Check the Account information in case this also needs to change.")),
+                          getString(5929, QStringLiteral("'Made By' was changed.")));
+    Database &db = m_main.session().db();
+    Client client;
+    Booking head;
+    if (!client.fetch(db, chosen) || !head.fetch(db, m_edit.BBBookingID) || client.BBRateSheetID == head.BBRateSheetID)
+        return;
+    messages::information(getString(5930, QStringLiteral("The selected client uses the ")) + rateSheetName(db, client.BBRateSheetID)
+                              + getString(5931, QStringLiteral(" rate sheet.")) + QLatin1Char('\n')
+                              + getString(5932, QStringLiteral("The current rate sheet for this booking is "))
+                              + rateSheetName(db, head.BBRateSheetID) + QStringLiteral("\n\n")
+                              + getString(5933, QStringLiteral("Click View Rates if you want to adjust.")),
+                          getString(5934, QStringLiteral("Different rate sheet may apply.")));
+}
+
+void ViewBooking::cmdGuest1Change()
+{
+    const qint32 chosen = chooseOtherClient(m_edit.BBClientID);
+    if (chosen < 1)
+        return;
+    m_edit.BBClientID = chosen;
+    m_dirty = true;
+    showNames();
+}
+
+void ViewBooking::cmdGuest2Change()
+{
+    const qint32 chosen = chooseOtherClient(m_edit.BBClient2ID);
+    if (chosen < 1)
+        return;
+    m_edit.BBClient2ID = chosen;
+    m_dirty = true;
+    showNames();
+}
+
+void ViewBooking::cmdGuest2del()
+{
+    if (m_edit.BBClient2ID == 0)
+        return;
+    if (!messages::questionDefaultNo(getString(5935, QStringLiteral("Are you sure you want to remove ")) + outGuest2->text()
+                                         + getString(5936, QStringLiteral(" from this booking?")),
+                                     getString(5937, QStringLiteral("Remove guest from booking?"))))
+        return;
+    m_edit.BBClient2ID = 0;
+    m_dirty = true;
+    showNames();
+}
+
+void ViewBooking::emailToClipboard(qint32 clientId)
+{
+    Client client;
+    const QString email = clientId != 0 && client.fetch(m_main.session().db(), clientId) ? client.Email.trimmed() : QString();
+    if (email.isEmpty()) {
+        messages::critical(getString(5938, QStringLiteral("No email address for this client.")),
+                           getString(5939, QStringLiteral("No email address.")));
+        return;
+    }
+    QGuiApplication::clipboard()->setText(email);
+    messages::information(email + getString(5940, QStringLiteral(" is now on the clipboard.")) + QLatin1Char('\n')
+                              + getString(5941, QStringLiteral("Go to any windows application and click Paste.")),
+                          getString(5942, QStringLiteral("Email on clipboard")));
+}
+
+void ViewBooking::cmdMadeByEmail()
+{
+    emailToClipboard(m_edit.MadeBy);
+}
+
+void ViewBooking::cmdGuest1Email()
+{
+    emailToClipboard(m_edit.BBClientID);
+}
+
+void ViewBooking::cmdGuest2Email()
+{
+    emailToClipboard(m_edit.BBClient2ID);
+}
+
+void ViewBooking::cmdSources()
+{
+    const QString chosen = choosers.source(this, txtSource->text());
+    if (chosen.isEmpty() || chosen == txtSource->text())
+        return;
+    txtSource->setText(chosen);
+    setDirty();
+}
+
+void ViewBooking::sourceChanged()
+{
+    if (m_loading)
+        return;
+    const QString source = txtSource->text();
+    if (source.isEmpty() || amountOf(txtAgentComm) != 0)
+        return;
+    try {
+        txtAgentComm->setText(formatAmount(newestAgentComm(m_main.session().db(), source)));
+    } catch (const DatabaseError &e) {
+        ErrorLog::write(e.message() + QStringLiteral(" | ") + e.sql());
+    }
 }
 
 void ViewBooking::initialise(MainWindow &frmMain, qint32 bbBookingId, qint32 bbRoomId)

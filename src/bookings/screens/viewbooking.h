@@ -4,6 +4,8 @@
 
 #include <QDialog>
 
+#include <functional>
+
 class QCheckBox;
 class QComboBox;
 class QDateEdit;
@@ -25,6 +27,18 @@ class ViewBooking : public QDialog {
     Q_OBJECT
 public:
     ViewBooking(MainWindow &frmMain, QWidget *parent = nullptr);
+
+    // The choices the editor asks of other dialogs. Each opens its dialog
+    // modally unless replaced, as tests do to answer without one.
+    struct Choosers {
+        // An existing client (ClientDSearch); 0 when none was chosen.
+        std::function<qint32(QWidget *parent)> client;
+        // A marketing source (SourceList) starting with the typed text; empty when none.
+        std::function<QString(QWidget *parent, const QString &typed)> source;
+        // A leg of the booking (ViewRooms) by its room; 0 when none was picked.
+        std::function<qint32(QWidget *parent, qint32 bbBookingId)> room;
+    };
+    Choosers choosers;
 
     // Loads the leg and shows the dialog modally; says why and shows nothing
     // when the leg cannot be read.
@@ -48,6 +62,14 @@ public Q_SLOTS:
     void cmdViewRooms();
     void cmdCalcDeposit();
     void cmdExit();
+    void cmdMadeByChange();
+    void cmdGuest1Change();
+    void cmdGuest2Change();
+    void cmdGuest2del();
+    void cmdMadeByEmail();
+    void cmdGuest1Email();
+    void cmdGuest2Email();
+    void cmdSources();
 
     // The parts, for tests.
 public:
@@ -78,6 +100,11 @@ private:
     void getNoNights();
     void refreshTotals();
     void readScreen();
+    void showNames();
+    // A client other than current chosen through the chooser; 0 when none.
+    qint32 chooseOtherClient(qint32 current);
+    void emailToClipboard(qint32 clientId);
+    void sourceChanged();
     void setDirty() { if (!m_loading) m_dirty = true; }
     QPushButton *button(const QString &name, const QString &text, bool enabled);
 
@@ -95,6 +122,9 @@ private:
     QLabel *outGuest2 = nullptr;
     QLabel *outInvoiceTo = nullptr;
     QLabel *lblDifferentAccount = nullptr;
+    QPushButton *m_sources = nullptr;
+    QPushButton *m_guest2Del = nullptr;
+    QPushButton *m_guest2Email = nullptr;
 };
 
 } // namespace fenlark

@@ -25,6 +25,8 @@ bool DialogMessageSink::ask(const UserMessage &message)
 {
     QMessageBox box(QMessageBox::NoIcon, message.title, message.text, QMessageBox::Yes | QMessageBox::No,
                     QApplication::activeWindow());
+    if (message.defaultNo)
+        box.setDefaultButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
 }
 

@@ -1,4 +1,8 @@
 #include "bookings/bookingrecords.h"
+#include "bookings/bookingsave.h"
+#include "bookings/screens/viewrooms.h"
+#include "clients/clientrecords.h"
+#include "clients/screens/sourcelist.h"
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/viewbooking.h"
 #include "shell/propertygenerator.h"
@@ -9,6 +13,9 @@
 
 #include <QComboBox>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
+#include <QPushButton>
 #include <QDateEdit>
 #include <QLineEdit>
 #include <QSpinBox>
@@ -41,6 +48,21 @@ qint32 bookTwoRooms(MainWindow &window)
     dialog.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
     dialog.cmdOK();
     return dialog.BBBookingID();
+}
+
+qint32 addClient(Database &db, const QString &surname, const QString &email = {}, qint16 rateSheet = 0)
+{
+    Client client;
+    client.Surname = surname;
+    client.Email = email;
+    client.BBRateSheetID = rateSheet;
+    client.update(db);
+    return client.BBClientID;
+}
+
+QString labelText(const QWidget &dialog, const char *name)
+{
+    return dialog.findChild<QLabel *>(QLatin1String(name))->text();
 }
 
 } // namespace
@@ -138,6 +160,134 @@ private Q_SLOTS:
         editor.cboStatus->setCurrentIndex(editor.cboStatus->findData(QStringLiteral("U")));
         QCOMPARE(editor.txtnoadults->text(), QStringLiteral("0"));
         QVERIFY(editor.isDirty());
+    }
+
+    void clientButtonsChangeRemoveAndCopyEmail()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(demoSession(t));
+        Database &db = window.session().db();
+        const qint32 id = bookTwoRooms(window);
+        const qint32 teal = addClient(db, QStringLiteral("Teal"), QStringLiteral("teal@example.org"), 99);
+        ViewBooking editor(window);
+        QVERIFY(editor.load(id, 1));
+        editor.choosers.client = [teal](QWidget *) { return teal; };
+        sink.shown.clear();
+
+        editor.cmdMadeByChange();
+        QVERIFY(editor.isDirty());
+        QCOMPARE(editor.edit().MadeBy, teal);
+        QCOMPARE(labelText(editor, "outMadeBy"), QStringLiteral("Teal"));
+        QCOMPARE(sink.shown.size(), 2);
+        QCOMPARE(sink.shown[0].title, QStringLiteral("'Made By' was changed."));
+        QCOMPARE(sink.shown[1].title, QStringLiteral("Different rate sheet may apply."));
+        QVERIFY(sink.shown[1].text.contains(QStringLiteral("99 Ratesheet not found!")));
+
+        auto *remove = editor.findChild<QPushButton *>(QStringLiteral("cmdGuest2del"));
+        QVERIFY(!remove->isEnabled());
+        editor.cmdGuest2Change();
+        QCOMPARE(editor.edit().BBClient2ID, teal);
+        QVERIFY(remove->isEnabled());
+        sink.answer = false;
+        editor.cmdGuest2del();
+        QCOMPARE(sink.asked.last().title, QStringLiteral("Remove guest from booking?"));
+        QVERIFY(sink.asked.last().text.contains(QStringLiteral("Teal")));
+        QVERIFY(sink.asked.last().defaultNo);
+        QCOMPARE(editor.edit().BBClient2ID, teal);
+
+        editor.cmdGuest2Email();
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("teal@example.org"));
+        QCOMPARE(sink.shown.last().title, QStringLiteral("Email on clipboard"));
+        editor.cmdGuest1Email();   // the booking's guest has no address
+        QCOMPARE(sink.shown.last().title, QStringLiteral("No email address."));
+
+        QVERIFY(editor.cmdSave());
+        QCOMPARE(loadBookingEdit(db, id, 1)->BBClient2ID, teal);
+        QCOMPARE(loadBookingEdit(db, id, 1)->MadeBy, teal);
+        sink.answer = true;
+        editor.cmdGuest2del();
+        QCOMPARE(editor.edit().BBClient2ID, 0);
+        QVERIFY(editor.isDirty());
+    }
+
+    void sourceListPicksAndCommissionFollowsTheSource()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(demoSession(t));
+        Database &db = window.session().db();
+        const qint32 older = bookTwoRooms(window);
+        db.execute(QStringLiteral("update booking set source = 'Agent', agentcomm = 15 where bbbookingid = ?"), {older});
+
+        SourceList list(db, QStringLiteral("Ag"));
+        QCOMPARE(list.gdSources->rowCount(), 1);
+        list.pickRow(0);
+        QCOMPARE(list.getSource(), QStringLiteral("Agent"));
+        QCOMPARE(list.result(), int(QDialog::Accepted));
+        SourceList typed(db, QString());
+        typed.txtNewSource->setText(QStringLiteral("Fair"));
+        typed.cmdAdd->click();
+        QCOMPARE(typed.getSource(), QStringLiteral("Fair"));
+        typed.cmdExit->click();
+        QVERIFY(typed.getSource().isEmpty());
+
+        ConfirmBooking second(window, {3}, Arrival.addDays(10), 2);
+        second.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
+        second.cmdOK();
+        ViewBooking editor(window);
+        QVERIFY(editor.load(second.BBBookingID(), 3));
+        QString typedText;
+        editor.choosers.source = [&typedText](QWidget *, const QString &typed) {
+            typedText = typed;
+            return QStringLiteral("Agent");
+        };
+        editor.txtSource->setText(QStringLiteral("Ag"));
+        editor.cmdSources();
+        QCOMPARE(typedText, QStringLiteral("Ag"));
+        QCOMPARE(editor.txtSource->text(), QStringLiteral("Agent"));
+        QCOMPARE(editor.txtAgentComm->text().toDouble(), 15.0);
+        QVERIFY(editor.isDirty());
+
+        editor.txtSource->clear();
+        editor.txtAgentComm->setText(QStringLiteral("4"));   // a commission of its own stays
+        editor.txtSource->setText(QStringLiteral("Agent"));
+        QCOMPARE(editor.txtAgentComm->text(), QStringLiteral("4"));
+    }
+
+    void viewRoomsListsTheLegsAndSwitchesTheEditor()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(demoSession(t));
+        Database &db = window.session().db();
+        const qint32 id = bookTwoRooms(window);
+
+        ViewRooms rooms(db, id);
+        QVERIFY(rooms.initialise());
+        QCOMPARE(rooms.gdRooms->rowCount(), 2);
+        const int row = rooms.gdRooms->item(0, 0)->text() == window.session().property().RoomName(2) ? 0 : 1;
+        QCOMPARE(rooms.gdRooms->item(row, 2)->text(), QStringLiteral("2"));
+        rooms.pickRow(row);
+        QCOMPARE(rooms.selectedRoomid(), 2);
+        ViewRooms none(db, id + 100);
+        QVERIFY(!none.initialise());
+        QCOMPARE(sink.shown.last().title, QStringLiteral("Error fetching guest information"));
+
+        ViewBooking editor(window);
+        QVERIFY(editor.load(id, 1));
+        qint32 pick = 2;
+        editor.choosers.room = [&pick](QWidget *, qint32) { return pick; };
+        editor.cmdViewRooms();
+        QCOMPARE(editor.edit().loadedRoomId, 2);
+        QCOMPARE(editor.lblRoomName->text(), window.session().property().RoomName(2));
+        QVERIFY(!editor.isDirty());
+
+        db.execute(QStringLiteral("update guest set bbclientid = 0 where bbbookingid = ? and bbroomid = 1"), {id});
+        pick = 1;
+        editor.cmdViewRooms();
+        QCOMPARE(sink.shown.last().title, QStringLiteral("Could not fetch guest record."));
+        QCOMPARE(editor.edit().loadedRoomId, 2);
     }
 };
 
