@@ -2,6 +2,7 @@
 
 #include "accounts/extraqueries.h"
 #include "bookings/bookingcodes.h"
+#include "accounts/accountrecords.h"
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/newbooking.h"
@@ -358,7 +359,9 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     txtReference->setText(m_edit.reference);
     lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
     showNames();
-    outInvoiceTo->setText(outMadeBy->text());
+    Account account;
+    const bool hasAccount = account.fetch(db, m_edit.bookingAccountId);
+    outInvoiceTo->setText(hasAccount ? clientNameOf(db, account.InvoiceTo) : outMadeBy->text());
     getNoNights();
     refreshTotals();
     m_dirty = false;
