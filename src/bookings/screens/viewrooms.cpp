@@ -40,7 +40,9 @@ ViewRooms::ViewRooms(Database &db, qint32 bbBookingId, QWidget *parent)
                                         children + QLatin1Char('\n') + policy.label2});
     gdRooms->setColumnHidden(ColChild1, policy.ChildAge1 == 0);
     gdRooms->setColumnHidden(ColChild2, policy.ChildAge2 == 0);
-    gdRooms->setColumnWidth(ColGuest, 220);
+    // Counts take what they need; the guest's name has the rest of the width.
+    gdRooms->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    gdRooms->horizontalHeader()->setSectionResizeMode(ColGuest, QHeaderView::Stretch);
     gdRooms->verticalHeader()->hide();
     gdRooms->setEditTriggers(QAbstractItemView::NoEditTriggers);
     gdRooms->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -55,7 +57,7 @@ ViewRooms::ViewRooms(Database &db, qint32 bbBookingId, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(gdRooms, 1);
     layout->addLayout(buttons);
-    resize(560, 300);
+    resize(640, 300);
 
     connect(gdRooms, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { pickRow(row); });
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
