@@ -29,8 +29,8 @@ std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
     return date;
 }
 
-// ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]; a missing rate is the room's default
-// offered rate, a missing head count the desk's default.
+// ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]; a missing or empty rate is the room's
+// default offered rate, a missing or empty head count the desk's default.
 std::optional<NewBookingRoom> parseRoom(const QString &text, const RateData &rates, const QDate &from,
                                         const QDate &to, qint16 adults)
 {
@@ -39,6 +39,8 @@ std::optional<NewBookingRoom> parseRoom(const QString &text, const RateData &rat
         return std::nullopt;
     std::array<int, 5> values{0, -1, adults, 0, 0};
     for (qsizetype i = 0; i < parts.size(); ++i) {
+        if (i > 0 && parts.at(i).isEmpty())
+            continue;
         bool ok = false;
         values[i] = parts.at(i).toInt(&ok);
         if (!ok || values[i] < 0 || (i >= 2 && values[i] > 999))

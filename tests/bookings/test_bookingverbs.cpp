@@ -1,0 +1,159 @@
+// fenlarkctl's booking verbs, run as a script runs them: a separate process on
+// a database file, JSON on stdout, a refusal on stderr with a non-zero exit.
+#include "shell/database.h"
+#include "shell/propertygenerator.h"
+#include "support/testdatabase.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QtTest>
+
+using namespace fenlark;
+
+namespace {
+
+struct Run {
+    int exitCode = -1;
+    QJsonObject json;
+    QString errors;
+};
+
+} // namespace
+
+class TestBookingVerbs : public QObject {
+    Q_OBJECT
+
+private:
+    QString m_ctl;
+    std::unique_ptr<TestDatabase> m_t;
+
+    Run ctl(QStringList arguments)
+    {
+        arguments << QStringLiteral("--home") << m_t->home() << QStringLiteral("--db") << m_t->db().path();
+        QProcess process;
+        process.start(m_ctl, arguments);
+        process.waitForFinished(60000);
+        Run run;
+        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        run.json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+        run.errors = QString::fromUtf8(process.readAllStandardError()).trimmed();
+        return run;
+    }
+
+    qint32 book(const QString &from, const QString &to, const QStringList &rooms)
+    {
+        QStringList arguments{QStringLiteral("book"), QStringLiteral("--from"), from, QStringLiteral("--to"), to,
+                              QStringLiteral("--surname"), QStringLiteral("Script")};
+        for (const QString &room : rooms)
+            arguments << QStringLiteral("--room") << room;
+        const Run run = ctl(arguments);
+        if (run.exitCode != 0)
+            qWarning() << run.errors;
+        return run.exitCode == 0 ? run.json.value("booking").toInt() : 0;
+    }
+
+    // Everything a refused change must leave as it was.
+    QString snapshot()
+    {
+        Database &db = m_t->db();
+        return db.scalar("select group_concat(BBBookingID || ':' || FromDate || ':' || ToDate, ';') from booking").toString()
+            + db.scalar("select group_concat(BBBookingID || ':' || BBRoomID, ';') from guest").toString()
+            + db.scalar("select count(*) || ':' || total(RoomRate) from dailyrate").toString()
+            + db.scalar("select count(*) from dblog").toString();
+    }
+
+    int nights(qint32 booking) { return m_t->db().scalar("select count(*) from dailyrate where BBBookingID = ?", {booking}).toInt(); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_ctl = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../fenlarkctl"));
+        if (!QFileInfo(m_ctl).isExecutable())
+            QSKIP("fenlarkctl is not built beside the tests");
+    }
+
+    void init()
+    {
+        m_t = std::make_unique<TestDatabase>();
+        PropertyGenerator(PropertyGenerator::demo()).generate(m_t->db());
+    }
+
+    void bookWritesLegsNightsAndAccountWithTheHeadLast()
+    {
+        const Run run = ctl({"book", "--from", "2031-05-01", "--to", "2031-05-04", "--room", "1", "--room", "2::3",
+                             "--surname", "Script", "--first", "Ann"});
+        QCOMPARE(run.exitCode, 0);
+        const qint32 booking = run.json.value("booking").toInt();
+        QVERIFY(booking > 0);
+        QCOMPARE(run.json.value("legs").toArray().size(), 2);
+        QVERIFY(run.json.value("account").toInt() > 0);
+        QVERIFY(run.json.value("total").toDouble() > 0);
+        QCOMPARE(nights(booking), 6);
+        QCOMPARE(m_t->db().scalar("select NoAdults from guest where BBBookingID = ? and BBRoomID = 2", {booking}).toInt(), 3);
+        QCOMPARE(m_t->db().scalar("select TableName || ':' || bbtableId from dblog order by logid desc limit 1").toString(),
+                 QStringLiteral("booking:%1").arg(booking));
+
+        const Run shown = ctl({"booking", "show", QString::number(booking)});
+        QCOMPARE(shown.exitCode, 0);
+        QVERIFY(!shown.json.isEmpty());
+    }
+
+    void refusedChangesWriteNothing()
+    {
+        const qint32 first = book("2031-05-01", "2031-05-04", {"1", "2"});
+        const qint32 second = book("2031-05-10", "2031-05-12", {"1", "3"});
+        QVERIFY(first > 0 && second > 0);
+        const QString before = snapshot();
+
+        const Run taken = ctl({"book", "--from", "2031-05-02", "--to", "2031-05-03", "--room", "1", "--surname", "Late"});
+        QVERIFY(taken.exitCode != 0);
+        QVERIFY(!taken.errors.isEmpty());
+
+        const Run clash = ctl({"booking", "dates", QString::number(second), "--from", "2031-05-03", "--to", "2031-05-06"});
+        QVERIFY(clash.exitCode != 0);
+        QVERIFY(!clash.errors.isEmpty());
+
+        const Run takenRoom = ctl({"booking", "room", QString::number(second), "--leg", "3", "--to-room", "1"});
+        QVERIFY(takenRoom.exitCode != 0);
+
+        const Run badRoom = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1:x", "--surname", "X"});
+        QVERIFY(badRoom.exitCode != 0);
+        const Run backwards = ctl({"book", "--from", "2031-06-05", "--to", "2031-06-02", "--room", "1", "--surname", "X"});
+        QVERIFY(backwards.exitCode != 0);
+        const Run noName = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1", "--surname", " "});
+        QVERIFY(noName.exitCode != 0);
+
+        QCOMPARE(snapshot(), before);
+    }
+
+    void datesRoomsAndSplitSaveThroughTheEditorsPath()
+    {
+        const qint32 booking = book("2031-05-01", "2031-05-04", {"1", "2"});
+        QVERIFY(booking > 0);
+        const double total = m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble();
+
+        const Run moved = ctl({"booking", "dates", QString::number(booking), "--from", "2031-05-01", "--to", "2031-05-06"});
+        QCOMPARE(moved.exitCode, 0);
+        QCOMPARE(moved.json.value("to").toString(), QStringLiteral("2031-05-06"));
+        QCOMPARE(nights(booking), 10);
+
+        const Run room = ctl({"booking", "room", QString::number(booking), "--leg", "2", "--to-room", "5"});
+        QCOMPARE(room.exitCode, 0);
+        QCOMPARE(m_t->db().scalar("select count(*) from dailyrate where BBBookingID = ? and BBRoomID = 5", {booking}).toInt(), 5);
+
+        const double beforeSplit = m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble();
+        QVERIFY(beforeSplit > total);
+        const Run split = ctl({"booking", "split", QString::number(booking), "--leg", "5"});
+        QCOMPARE(split.exitCode, 0);
+        const qint32 other = split.json.value("booking").toInt();
+        QVERIFY(other > 0 && other != booking);
+        QCOMPARE(nights(booking), 5);
+        QCOMPARE(nights(other), 5);
+        QCOMPARE(m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble(), beforeSplit);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBookingVerbs)
+#include "test_bookingverbs.moc"
