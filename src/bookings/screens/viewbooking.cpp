@@ -556,8 +556,11 @@ void ViewBooking::cmdChangeRooms()
         ids.push_back(id);
         names << session.property().RoomName(id);
     }
-    if (ids.empty())
+    if (ids.empty()) {
+        messages::information(getString(5943, QStringLiteral("No other room is free for these dates.")),
+                              getString(5917, QStringLiteral("Change Room")));
         return;
+    }
     bool ok = false;
     const QString chosen = QInputDialog::getItem(this, getString(5917, QStringLiteral("Change Room")),
                                                  getString(5918, QStringLiteral("Free rooms for these dates:")), names, 0,
