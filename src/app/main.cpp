@@ -32,6 +32,7 @@ int main(int argc, char *argv[])
     Startup startup(host);
     if (startup.run() != Startup::Running)
         return 0;
-    host.createMainWindow(startup.takeSession());
+    if (!host.createMainWindow(startup.takeSession()))
+        return 0;
     return app.exec();
 }

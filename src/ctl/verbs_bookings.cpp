@@ -1,6 +1,7 @@
 #include "ctl/verb.h"
 
 #include "bookings/bookingsave.h"
+#include "bookings/doublebookings.h"
 #include "bookings/newbooking.h"
 #include "rates/ratedata.h"
 #include "rates/roomrates.h"
@@ -211,6 +212,26 @@ int runBookingChange(const CommandLine &args)
     return 0;
 }
 
+// The rooms sold twice, as the desk's list shows them; exit 3 when there are any.
+int runDoubleBookings(const CommandLine &args)
+{
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    DoubleBookingScan scan(*db);
+    const bool found = scan.scan();
+    QJsonArray clashes;
+    for (const DoubleBookingRow &row : scan.clashes())
+        clashes.append(QJsonObject{{"booking", row.BBBookingID},
+                                   {"room", row.BBRoomID},
+                                   {"type", row.type},
+                                   {"name", row.name},
+                                   {"from", row.fromDate.toString(Qt::ISODate)},
+                                   {"to", row.toDate.toString(Qt::ISODate)}});
+    printJson(QJsonObject{{"clashes", clashes}});
+    return found ? 3 : 0;
+}
+
 const std::vector<Verb> &bookingVerbs()
 {
     static const std::vector<Verb> verbs = {
@@ -218,6 +239,8 @@ const std::vector<Verb> &bookingVerbs()
          "book [--db PATH] --from YYYY-MM-DD --to YYYY-MM-DD --room ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]... "
          "(--client ID | --surname X [--first X] [--company X])   a new booking as the desk makes it",
          runBook},
+        {"double-bookings", "double-bookings [--db PATH]   rooms sold twice for a night (exit 3 when there are any)",
+         runDoubleBookings},
     };
     return verbs;
 }

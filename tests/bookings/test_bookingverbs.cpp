@@ -153,6 +153,22 @@ private Q_SLOTS:
         QCOMPARE(nights(other), 5);
         QCOMPARE(m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble(), beforeSplit);
     }
+
+    void doubleBookingsAreListedWithExitThree()
+    {
+        const Run clear = ctl({"double-bookings"});
+        QCOMPARE(clear.exitCode, 0);
+        QVERIFY(clear.json.value("clashes").toArray().isEmpty());
+        const qint32 first = book("2031-05-01", "2031-05-04", {"1"});
+        const qint32 second = book("2031-05-01", "2031-05-04", {"2"});
+        m_t->db().execute("update guest set BBRoomID = 1 where BBBookingID = ?", {second});
+        const Run found = ctl({"double-bookings"});
+        QCOMPARE(found.exitCode, 3);
+        const QJsonArray clashes = found.json.value("clashes").toArray();
+        QCOMPARE(clashes.size(), 2);
+        QCOMPARE(clashes.at(0).toObject().value("booking").toInt() + clashes.at(1).toObject().value("booking").toInt(),
+                 first + second);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestBookingVerbs)

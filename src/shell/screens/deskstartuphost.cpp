@@ -1,6 +1,8 @@
 #include "shell/screens/deskstartuphost.h"
 
+#include "bookings/doublebookings.h"
 #include "bookings/screens/confirmbooking.h"
+#include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewbooking.h"
 
 #include "shell/screens/aboutdialog.h"
@@ -72,8 +74,9 @@ void DeskStartupHost::initialise(Session &session)
     session.reloadSetup();
 }
 
-bool DeskStartupHost::checkDoubleBookings(Session &)
+bool DeskStartupHost::checkDoubleBookings(Session &session)
 {
+    m_doubleBookings = DoubleBookingScan(session.db()).scan();
     return true;
 }
 
@@ -89,10 +92,16 @@ MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
             return manual ? synchManually(w.session().db(), &w) : automaticSynch(w.session().db());
         },
         [](MainWindow &w) { return synchEntireDatabase(w.session().db(), &w); },
+        &DoubleBook::check,
     });
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
     window->drawCalendar();
+    if (m_doubleBookings && !DoubleBook::check(*window, true)) {
+        window->endNicely();
+        delete window;
+        return nullptr;
+    }
     return window;
 }
 

@@ -20,24 +20,26 @@ public:
     void showSplash() override;
     void closeSplash() override;
     bool logInProperty(Session &session) override;
-    // Seam for the setup download: until it is connected the check reports a
-    // failure, so start-up goes on whenever the database holds rooms.
+    // The setup download, with the log-on dialog again when the server refuses.
     bool checkSetup(Session &session) override;
     bool propertyLogInRefused() const override { return m_loginRefused; }
     bool enterPassword(Session &session) override;
     void initialise(Session &session) override;
-    // Seam for the check for double bookings: until it is connected start-up goes on.
+    // Scans for rooms sold twice. The list that repairs them opens bookings in
+    // the editor, which needs the main window, so createMainWindow shows it.
     bool checkDoubleBookings(Session &session) override;
     void showMainWindow(Session &session) override;
 
     // Builds the main window around the session of a successful start and draws
-    // the calendar from a week before today.
+    // the calendar from a week before today; then the list of double bookings,
+    // when there are any. Null when the user left the program from that list.
     MainWindow *createMainWindow(std::unique_ptr<Session> session);
 
 private:
     std::unique_ptr<AboutDialog> m_splash;
     InputReasonPrompt m_reasonPrompt;
     bool m_loginRefused = false;
+    bool m_doubleBookings = false;
 };
 
 } // namespace fenlark

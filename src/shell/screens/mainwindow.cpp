@@ -375,6 +375,11 @@ void MainWindow::buildMenus()
         if (m_seams.emergencySynch && m_seams.emergencySynch(*this))
             refresh();
     });
+    connect(menuAction(QStringLiteral("m2DoubleBooking")), &QAction::triggered, this, [this] {
+        const QString ask = getString(2299, QStringLiteral("Check for double bookings?"));
+        if (m_seams.doubleBookings && messages::question(ask, ask) && !m_seams.doubleBookings(*this, false))
+            endNicely();
+    });
     connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, &MainWindow::chooseDatabase);
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, &MainWindow::openOptions);
     connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, &MainWindow::showAbout);
@@ -448,6 +453,7 @@ void MainWindow::updateCommandStates()
     }
     menuAction(QStringLiteral("m2SynchLD"))->setEnabled(bool(m_seams.synchronise));
     menuAction(QStringLiteral("m2SynchFull"))->setEnabled(bool(m_seams.emergencySynch));
+    menuAction(QStringLiteral("m2DoubleBooking"))->setEnabled(bool(m_seams.doubleBookings));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 

@@ -39,6 +39,9 @@ struct DeskSeams {
     std::function<bool(MainWindow &, bool manual)> synchronise;
     // Everything logged again and sent (the emergency synchronisation); true when data changed.
     std::function<bool(MainWindow &)> emergencySynch;
+    // The check for rooms sold twice (onStart: silent when all is clear); false
+    // when the user chose to leave the program instead of repairing them.
+    std::function<bool(MainWindow &, bool onStart)> doubleBookings;
 };
 
 // frmMain: the desk's main window. It owns the session and is where every

@@ -1,5 +1,6 @@
 #include "bookings/bookingrecords.h"
 #include "bookings/bookingsave.h"
+#include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewrooms.h"
 #include "clients/clientrecords.h"
 #include "clients/screens/sourcelist.h"
@@ -288,6 +289,53 @@ private Q_SLOTS:
         editor.cmdViewRooms();
         QCOMPARE(sink.shown.last().title, QStringLiteral("Could not fetch guest record."));
         QCOMPARE(editor.edit().loadedRoomId, 2);
+    }
+
+    void doubleBookingsHoldTheDeskUntilRepairedOrLeft()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(demoSession(t));
+        Database &db = window.session().db();
+
+        QVERIFY(DoubleBook::check(window, true));
+        QVERIFY(sink.shown.isEmpty()); // at start-up, all clear says nothing
+        QVERIFY(DoubleBook::check(window, false));
+        QCOMPARE(sink.shown.last().title, QStringLiteral("No double-bookings found."));
+
+        const qint32 first = bookTwoRooms(window);
+        ConfirmBooking other(window, {3, 4}, Arrival, 3);
+        other.clientSearch->txtSurname->setText(QStringLiteral("Egret"));
+        other.cmdOK();
+        const qint32 second = other.BBBookingID();
+        QVERIFY(first > 0 && second > 0);
+        // As a synchronisation might leave it: the same rooms, the same nights.
+        db.execute("update guest set bbroomid = bbroomid - 2 where bbbookingid = ?", {second});
+
+        // Leaving from the list ends the program.
+        DoubleBook leave(window);
+        QTimer::singleShot(0, &leave, [&leave] { leave.cmdExit(); });
+        QVERIFY(!leave.initialise(true));
+        QCOMPARE(leave.gdDouble->rowCount(), 2);
+        QVERIFY(leave.gdDouble->isColumnHidden(6));
+
+        // A double-click opens the editor on that booking and room; once the clash
+        // is mended, "Check Again" lets the desk go on.
+        DoubleBook mend(window);
+        std::vector<std::pair<qint32, qint32>> opened;
+        mend.viewBooking = [&](MainWindow &, qint32 booking, qint32 room) {
+            opened.emplace_back(booking, room);
+            db.execute("delete from guest where bbbookingid = ?", {second});
+        };
+        QTimer::singleShot(0, &mend, [&] {
+            const int row = mend.gdDouble->item(0, 0)->text().toInt() == second ? 0 : 1;
+            mend.openRow(row);
+            mend.cmdRefresh();
+        });
+        QVERIFY(mend.initialise(true));
+        QCOMPARE(opened.size(), size_t(1));
+        QCOMPARE(opened.front().first, second);
+        QCOMPARE(sink.shown.last().title, QStringLiteral("No double-bookings found."));
     }
 };
 

@@ -1,0 +1,168 @@
+#include "bookings/screens/doublebook.h"
+
+#include "bookings/screens/viewbooking.h"
+#include "shell/messages.h"
+#include "shell/screens/mainwindow.h"
+#include "shell/session.h"
+#include "shell/strings.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace fenlark {
+
+namespace {
+
+enum Column { ColBooking, ColType, ColSurname, ColArrival, ColDeparture, ColRoom, ColRoomId, ColumnCount };
+
+void allClear()
+{
+    messages::information(getString(5948, QStringLiteral("There are no double bookings in the system.")),
+                          getString(5949, QStringLiteral("No double-bookings found.")));
+}
+
+} // namespace
+
+DoubleBook::DoubleBook(MainWindow &frmMain, QWidget *parent)
+    : QDialog(parent), viewBooking(&ViewBooking::initialise), m_main(frmMain), m_scan(frmMain.session().db())
+{
+    setObjectName(QStringLiteral("dlgDoubleBook"));
+    setWindowTitle(getString(5950, QStringLiteral("Double-bookings which need correction")));
+
+    lblDoubleClickNarr = new QLabel(getString(5951, QStringLiteral("The system found the following double-bookings, which need to "
+                                                                    "be corrected. Double-click the booking and re-arrange the "
+                                                                    "rooms, or delete the whole booking.")),
+                                    this);
+    lblDoubleClickNarr->setObjectName(QStringLiteral("lblDoubleClickNarr"));
+    lblDoubleClickNarr->setWordWrap(true);
+    lblCheackAgainNarr = new QLabel(getString(5952, QStringLiteral("Press the 'Check Again' button after making changes.")), this);
+    lblCheackAgainNarr->setObjectName(QStringLiteral("lblCheackAgainNarr"));
+
+    gdDouble = new QTableWidget(0, ColumnCount, this);
+    gdDouble->setObjectName(QStringLiteral("gdDouble"));
+    gdDouble->setHorizontalHeaderLabels({getString(5953, QStringLiteral("BookingID")), getString(5954, QStringLiteral("Type")),
+                                         getString(5955, QStringLiteral("Surname")), getString(5956, QStringLiteral("Arrival")),
+                                         getString(5957, QStringLiteral("Departure")), getString(5958, QStringLiteral("Room")),
+                                         getString(5959, QStringLiteral("RoomID"))});
+    gdDouble->setColumnHidden(ColRoomId, true);
+    gdDouble->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    gdDouble->horizontalHeader()->setSectionResizeMode(ColSurname, QHeaderView::Stretch);
+    gdDouble->verticalHeader()->hide();
+    gdDouble->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    gdDouble->setSelectionBehavior(QAbstractItemView::SelectRows);
+    gdDouble->setSelectionMode(QAbstractItemView::SingleSelection);
+
+    auto *refresh = new QPushButton(getString(5960, QStringLiteral("Check Again")), this);
+    refresh->setObjectName(QStringLiteral("cmdRefresh"));
+    refresh->setAutoDefault(false);
+    auto *exit = new QPushButton(getString(5961, QStringLiteral("Exit")), this);
+    exit->setObjectName(QStringLiteral("cmdExit"));
+    exit->setAutoDefault(false);
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(lblCheackAgainNarr, 1);
+    buttons->addWidget(refresh);
+    buttons->addWidget(exit);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(lblDoubleClickNarr);
+    layout->addWidget(gdDouble, 1);
+    layout->addLayout(buttons);
+    resize(720, 360);
+
+    connect(gdDouble, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { openRow(row); });
+    connect(refresh, &QPushButton::clicked, this, &DoubleBook::cmdRefresh);
+    connect(exit, &QPushButton::clicked, this, &DoubleBook::cmdExit);
+}
+
+bool DoubleBook::check(MainWindow &frmMain, bool onStart)
+{
+    DoubleBook dialog(frmMain, &frmMain);
+    return dialog.initialise(onStart);
+}
+
+bool DoubleBook::initialise(bool onStart)
+{
+    m_completed = false;
+    if (!m_scan.scan()) {
+        if (!onStart)
+            allClear();
+        m_completed = true;
+        return true;
+    }
+    reportUnreadable();
+    fill();
+    exec();
+    return m_completed;
+}
+
+void DoubleBook::reportUnreadable()
+{
+    for (qint32 id : m_scan.unreadable())
+        messages::critical(getString(5962, QStringLiteral("DoubleBooking: Error fetching one of the double bookings. ID = "))
+                               + QString::number(id),
+                           windowTitle());
+}
+
+void DoubleBook::fill()
+{
+    const auto &rows = m_scan.clashes();
+    gdDouble->setRowCount(static_cast<int>(rows.size()));
+    const QString dateFormat = QStringLiteral("ddd dd MMM yy");
+    for (int r = 0; r < static_cast<int>(rows.size()); ++r) {
+        const DoubleBookingRow &row = rows[static_cast<size_t>(r)];
+        const bool known = row.fromDate.isValid();
+        const QStringList texts = {QString::number(row.BBBookingID),
+                                   row.type,
+                                   row.name,
+                                   known ? QLocale().toString(row.fromDate, dateFormat) : QString(),
+                                   known ? QLocale().toString(row.toDate, dateFormat) : QString(),
+                                   m_main.session().property().RoomName(row.BBRoomID),
+                                   QString::number(row.BBRoomID)};
+        for (int c = 0; c < ColumnCount; ++c)
+            gdDouble->setItem(r, c, new QTableWidgetItem(texts.at(c)));
+    }
+}
+
+void DoubleBook::openRow(int row)
+{
+    if (row < 0 || row >= gdDouble->rowCount())
+        return;
+    const qint32 booking = gdDouble->item(row, ColBooking)->text().toInt();
+    const qint32 room = gdDouble->item(row, ColRoomId)->text().toInt();
+    if (booking < 1 || room < 1)
+        return;
+    viewBooking(m_main, booking, room);
+    m_main.initCalendar();
+    m_main.drawCalendar();
+}
+
+void DoubleBook::cmdRefresh()
+{
+    if (m_scan.scan()) {
+        reportUnreadable();
+        fill();
+        return;
+    }
+    allClear();
+    m_completed = true;
+    accept();
+}
+
+void DoubleBook::cmdExit()
+{
+    m_completed = false;
+    QDialog::reject();
+}
+
+void DoubleBook::reject()
+{
+    // Escape and the close box leave the program too: the desk is not used while rooms are sold twice.
+    cmdExit();
+}
+
+} // namespace fenlark
