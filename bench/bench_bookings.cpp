@@ -3,20 +3,20 @@
 //                   priced nights, account, audit, calendar patch
 //   BM_OpenEditor   what the editor reads on opening a leg
 //   BM_DateMove     a 14-night, 2-room booking moved by a week and back (one save)
+#include "generatedproperty.h"
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/bookingsave.h"
+#include "bookings/doublebookings.h"
 #include "bookings/newbooking.h"
 #include "rates/ratedata.h"
 #include "rates/roomrates.h"
 #include "shell/calendar.h"
 #include "shell/home.h"
-#include "shell/propertygenerator.h"
 #include "shell/security.h"
 #include "shell/setuprecords.h"
 
 #include <QCoreApplication>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -25,7 +25,6 @@ using namespace fenlark;
 namespace {
 
 struct Property {
-    QTemporaryDir dir;
     std::unique_ptr<Database> db;
     RateData rates;
     BBSetup setup;
@@ -34,13 +33,10 @@ struct Property {
 
     Property()
     {
-        Home::setPath(dir.path());
-        db = Database::open(dir.filePath("bench.db"));
-        const PropertyGenerator::Options options = PropertyGenerator::forYears(40, 3, 7);
-        PropertyGenerator(options).generate(*db);
+        db = Database::open(bench::generatedProperty());
         rates = RateData::load(*db);
         setup.fetch(*db);
-        nextFree = options.to.addDays(30);
+        nextFree = bench::generatedOptions().to.addDays(30);
     }
 };
 
@@ -118,6 +114,17 @@ void BM_DateMove(benchmark::State &state)
     }
 }
 BENCHMARK(BM_DateMove)->Unit(benchmark::kMillisecond);
+
+// Every night of every leg of all time, as start-up scans it.
+void BM_DoubleBookingScan(benchmark::State &state)
+{
+    Database &db = *property().db;
+    for (auto _ : state) {
+        DoubleBookingScan scan(db);
+        benchmark::DoNotOptimize(scan.scan());
+    }
+}
+BENCHMARK(BM_DoubleBookingScan)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

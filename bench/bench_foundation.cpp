@@ -1,6 +1,7 @@
 // Foundation figures on a generated 40-room, 10-year property:
 // generating it, backing it up, starting up on it, and record writes with their log rows.
 #include "accounts/accountrecords.h"
+#include "generatedproperty.h"
 #include "shell/backup.h"
 #include "shell/config.h"
 #include "shell/database.h"
@@ -17,33 +18,14 @@ using namespace fenlark;
 
 namespace {
 
-QTemporaryDir &workDir()
-{
-    static QTemporaryDir dir;
-    return dir;
-}
-
-// The generated property, made once per run and shared by the benchmarks.
-QString generatedProperty()
-{
-    static const QString path = [] {
-        Home::setPath(workDir().path());
-        const QString p = workDir().filePath("generated.db");
-        auto db = Database::open(p);
-        PropertyGenerator(PropertyGenerator::forYears(40, 10, 1)).generate(*db);
-        return p;
-    }();
-    return path;
-}
-
 void BM_Generate40Rooms10Years(benchmark::State &state)
 {
-    Home::setPath(workDir().path());
+    Home::setPath(bench::workDir().path());
     int n = 0;
     for (auto _ : state) {
-        const QString path = workDir().filePath(QStringLiteral("gen%1.db").arg(n++));
+        const QString path = bench::workDir().filePath(QStringLiteral("gen%1.db").arg(n++));
         auto db = Database::open(path);
-        const auto counts = PropertyGenerator(PropertyGenerator::forYears(40, 10, 1)).generate(*db);
+        const auto counts = PropertyGenerator(bench::generatedOptions()).generate(*db);
         state.counters["bookings"] = counts.bookings;
         state.counters["nights"] = counts.nights;
     }
@@ -52,7 +34,7 @@ BENCHMARK(BM_Generate40Rooms10Years)->Unit(benchmark::kMillisecond)->Iterations(
 
 void BM_Backup(benchmark::State &state)
 {
-    auto db = Database::open(generatedProperty());
+    auto db = Database::open(bench::generatedProperty());
     for (auto _ : state)
         Backup::backupDatabase(*db, 0);
 }
@@ -74,7 +56,7 @@ public:
 
 void BM_StartupHeadless(benchmark::State &state)
 {
-    const QString path = generatedProperty();
+    const QString path = bench::generatedProperty();
     writeConfig("Database", path);
     writeConfig("Language", "1033");
     for (auto _ : state) {
@@ -89,8 +71,8 @@ BENCHMARK(BM_StartupHeadless)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_RecordUpdateWithLog(benchmark::State &state)
 {
-    Home::setPath(workDir().path());
-    auto db = Database::open(workDir().filePath("writes.db"));
+    Home::setPath(bench::workDir().path());
+    auto db = Database::open(bench::workDir().filePath("writes.db"));
     const int batch = static_cast<int>(state.range(0));
     for (auto _ : state) {
         Transaction transaction(*db);

@@ -1,9 +1,9 @@
+#include "generatedproperty.h"
 #include "server/httpfront.h"
 #include "server/referenceserver.h"
 #include "shell/changelog.h"
 #include "shell/database.h"
 #include "shell/home.h"
-#include "shell/propertygenerator.h"
 #include "synch/json.h"
 #include "synch/serverupdates.h"
 #include "synch/synch.h"
@@ -116,36 +116,16 @@ void BM_ApplyServerUpdates(benchmark::State &state)
 }
 BENCHMARK(BM_ApplyServerUpdates)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 
-QTemporaryDir &workDir()
-{
-    static QTemporaryDir dir;
-    return dir;
-}
-
-// The generated 40-room, 10-year property, made once per run; each synchronisation
-// works on a copy of it.
-QString generatedProperty()
-{
-    static const QString path = [] {
-        Home::setPath(workDir().path());
-        const QString p = workDir().filePath(QStringLiteral("generated.db"));
-        auto db = Database::open(p);
-        PropertyGenerator(PropertyGenerator::forYears(40, 10, 1)).generate(*db);
-        return p;
-    }();
-    return path;
-}
-
 // Everything marked for sending again, sent over loopback HTTP to an empty reference server.
 void BM_FullSynchToEmptyServer(benchmark::State &state)
 {
-    const QString original = generatedProperty();
+    const QString original = bench::generatedProperty();
     int rows = 0;
     int run = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        const QString copy = workDir().filePath(QStringLiteral("desk%1.db").arg(run));
-        const QString serverFile = workDir().filePath(QStringLiteral("server%1.db").arg(run++));
+        const QString copy = bench::workDir().filePath(QStringLiteral("desk%1.db").arg(run));
+        const QString serverFile = bench::workDir().filePath(QStringLiteral("server%1.db").arg(run++));
         QFile::copy(original, copy);
         auto db = Database::open(copy);
         const qint32 bbid = db->scalar(QStringLiteral("select BBID from bbsetup")).toInt();
