@@ -373,7 +373,7 @@ void MainWindow::buildMenus()
     connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, &MainWindow::manualSynch);
     connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, [this] {
         if (m_seams.emergencySynch && m_seams.emergencySynch(*this))
-            refresh();
+            afterSynchronisation();
     });
     connect(menuAction(QStringLiteral("m2DoubleBooking")), &QAction::triggered, this, [this] {
         const QString ask = getString(2299, QStringLiteral("Check for double bookings?"));
@@ -705,8 +705,18 @@ void MainWindow::manualSynch()
 {
     if (!m_seams.synchronise)
         return;
-    m_seams.synchronise(*this, true);
+    if (m_seams.synchronise(*this, true))
+        afterSynchronisation();
+    else
+        refresh();
+}
+
+void MainWindow::afterSynchronisation()
+{
     refresh();
+    // What the server delivered may have sold a room twice.
+    if (m_seams.doubleBookings && !m_seams.doubleBookings(*this, true))
+        endNicely();
 }
 
 void MainWindow::chooseDatabase()
@@ -789,7 +799,7 @@ void MainWindow::synchronise()
     button(QStringLiteral("cmdSynch"))->setEnabled(true);
     QApplication::restoreOverrideCursor();
     if (changed)
-        refresh();
+        afterSynchronisation();
 }
 
 void MainWindow::restoreWindow()

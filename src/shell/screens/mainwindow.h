@@ -115,6 +115,8 @@ private:
     void fillDetails(int row, int column);
     void clearRoomList();
     void book();
+    // Redraws, then checks for rooms the delivered changes sold twice.
+    void afterSynchronisation();
     void manualSynch();
     void chooseLanguage();
     void chooseDatabase();

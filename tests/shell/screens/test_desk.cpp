@@ -313,6 +313,32 @@ private Q_SLOTS:
         QCOMPARE(t.db().scalar("select count(*) from event").toInt(), 0);
     }
 
+    // Changes from the server may sell a room twice: the check follows, and leaving
+    // from its list closes the desk. A run that changed nothing checks nothing.
+    void synchronisationThatChangedDataChecksForDoubleBookings()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        bool changed = false;
+        int checks = 0;
+        DeskSeams seams;
+        seams.synchronise = [&](MainWindow &, bool) { return changed; };
+        seams.doubleBookings = [&](MainWindow &, bool onStart) {
+            ++checks;
+            return !onStart;
+        };
+        window.setSeams(seams);
+        QVERIFY(window.menuAction("m2DoubleBooking")->isEnabled());
+        window.show();
+        window.button("cmdSynch")->click();
+        QCOMPARE(checks, 0);
+        QVERIFY(window.isVisible());
+        changed = true;
+        window.button("cmdSynch")->click();
+        QCOMPARE(checks, 1);
+        QVERIFY(!window.isVisible());
+    }
+
     void tickDoesNothingWhileTheWindowIsNotActive()
     {
         TestDatabase t;
