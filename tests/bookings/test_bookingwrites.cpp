@@ -312,6 +312,30 @@ private Q_SLOTS:
         QCOMPARE(sink.shown.last().text, QStringLiteral("Leaving date is the same as the Arrival date."));
     }
 
+    // The server's synchronisation moved the booking to bookingdel while the editor
+    // held it: saving says so and writes nothing, not even a half head.
+    void savingABookingDeletedMeanwhileWritesNothing()
+    {
+        RecordingSink sink;
+        const qint32 id = book({1}, 3);
+        auto edit = loadBookingEdit(db(), id, 1);
+        QVERIFY(edit);
+        db().execute("delete from dailyrate where BBBookingID = ?", {id});
+        db().execute("delete from guest where BBBookingID = ?", {id});
+        const QList<int> before = tableCounts(db());
+        edit->notes = QStringLiteral("late note");
+        Answers answers;
+        QVERIFY(!BookingSave(db(), m_rates, m_user, answers).save(*edit));
+        QCOMPARE(sink.shown.last().title, QStringLiteral("Data Error"));
+        QCOMPARE(tableCounts(db()), before);
+        QVERIFY(db().scalar("select Notes from booking where BBBookingID = ?", {id}).toString().isEmpty());
+
+        db().execute("delete from booking where BBBookingID = ?", {id});
+        QVERIFY(!BookingSave(db(), m_rates, m_user, answers).save(*edit));
+        QCOMPARE(sink.shown.last().title, QStringLiteral("Data Error"));
+        QCOMPARE(db().scalar("select count(*) from booking where BBBookingID = ?", {id}).toInt(), 0);
+    }
+
     void roomChange()
     {
         RecordingSink sink;
