@@ -1,6 +1,7 @@
 #include "ctl/verb.h"
 
 #include "bookings/bookingsave.h"
+#include "bookings/checkinout.h"
 #include "bookings/doublebookings.h"
 #include "bookings/newbooking.h"
 #include "rates/ratedata.h"
@@ -232,6 +233,27 @@ int runDoubleBookings(const CommandLine &args)
     return found ? 3 : 0;
 }
 
+// Today's (or a given day's) arrivals, or with --departures its departures.
+int runArrivals(const CommandLine &args)
+{
+    QDate day = QDate::currentDate();
+    if (args.has(QStringLiteral("date"))) {
+        const auto given = dateOption(args, QStringLiteral("date"));
+        if (!given)
+            return 1;
+        day = *given;
+    }
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    const StayEnd end = args.has(QStringLiteral("departures")) ? StayEnd::Departures : StayEnd::Arrivals;
+    QJsonArray legs;
+    for (const DayLeg &leg : legsOfTheDay(*db, end, day))
+        legs.append(QJsonObject{{"booking", leg.BBBookingID}, {"room", leg.BBRoomID}, {"roomName", leg.roomName}, {"client", leg.client}});
+    printJson(QJsonObject{{"date", day.toString(Qt::ISODate)}, {"legs", legs}});
+    return 0;
+}
+
 const std::vector<Verb> &bookingVerbs()
 {
     static const std::vector<Verb> verbs = {
@@ -241,6 +263,8 @@ const std::vector<Verb> &bookingVerbs()
          runBook},
         {"double-bookings", "double-bookings [--db PATH]   rooms sold twice for a night (exit 3 when there are any)",
          runDoubleBookings},
+        {"arrivals", "arrivals [--db PATH] [--date YYYY-MM-DD] [--departures]   the legs arriving (or leaving) that day",
+         runArrivals},
     };
     return verbs;
 }

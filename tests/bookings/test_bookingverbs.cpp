@@ -154,6 +154,28 @@ private Q_SLOTS:
         QCOMPARE(m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble(), beforeSplit);
     }
 
+    void arrivalsListTheDaysLegsInRoomOrderWhateverTheirStatus()
+    {
+        const qint32 booking = book("2031-07-01", "2031-07-03", {"3", "1"});
+        book("2031-07-02", "2031-07-03", {"2"});
+        m_t->db().execute("update booking set Status = 'U' where BBBookingID = ?", {booking});
+        m_t->db().execute("update room set OrderBy = 0 where BBRoomID = 3");
+
+        const Run in = ctl({"arrivals", "--date", "2031-07-01"});
+        QCOMPARE(in.exitCode, 0);
+        const QJsonArray arriving = in.json.value("legs").toArray();
+        QCOMPARE(arriving.size(), 2);
+        QCOMPARE(arriving.at(0).toObject().value("room").toInt(), 3);
+        QCOMPARE(arriving.at(1).toObject().value("room").toInt(), 1);
+        QCOMPARE(arriving.at(0).toObject().value("booking").toInt(), booking);
+        QVERIFY(arriving.at(0).toObject().value("client").toString().contains("Script"));
+
+        QCOMPARE(ctl({"arrivals", "--date", "2031-07-03", "--departures"}).json.value("legs").toArray().size(), 3);
+        const Run none = ctl({"arrivals", "--date", "2031-08-01"});
+        QCOMPARE(none.exitCode, 0);
+        QVERIFY(none.json.value("legs").toArray().isEmpty());
+    }
+
     void doubleBookingsAreListedWithExitThree()
     {
         const Run clear = ctl({"double-bookings"});

@@ -1,6 +1,7 @@
 #include "shell/screens/deskstartuphost.h"
 
 #include "bookings/doublebookings.h"
+#include "bookings/screens/checkinout.h"
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewbooking.h"
@@ -93,6 +94,7 @@ MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
         },
         [](MainWindow &w) { return synchEntireDatabase(w.session().db(), &w); },
         &DoubleBook::check,
+        &CheckInOut::initialise,
     });
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();

@@ -316,6 +316,12 @@ void MainWindow::buildControls()
     });
     connect(button(QStringLiteral("cmdView")), &QPushButton::clicked, this, &MainWindow::cellDoubleClicked);
     connect(button(QStringLiteral("cmdChangeUser")), &QPushButton::clicked, this, &MainWindow::changeUser);
+    for (const auto &[name, mode] : {std::pair{"cmdCheckIn", 1}, std::pair{"cmdCheckOut", 2}}) {
+        connect(button(QString::fromLatin1(name)), &QPushButton::clicked, this, [this, mode = mode] {
+            if (m_seams.checkInOut)
+                m_seams.checkInOut(*this, mode);
+        });
+    }
     connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, &MainWindow::manualSynch);
     connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, &QWidget::close);
 }
@@ -436,12 +442,14 @@ void MainWindow::setSeams(DeskSeams seams)
 void MainWindow::updateCommandStates()
 {
     // Commands whose screens belong to work not yet connected stay visible but disabled.
-    static const char *notYetButtons[] = {"cmdQuote", "cmdSearch", "cmdCheckIn", "cmdCheckOut", "cmdSwapRoom"};
+    static const char *notYetButtons[] = {"cmdQuote", "cmdSearch", "cmdSwapRoom"};
     for (const char *name : notYetButtons)
         button(QString::fromLatin1(name))->setEnabled(false);
     button(QStringLiteral("cmdView"))->setEnabled(bool(m_seams.viewBooking));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
     button(QStringLiteral("cmdSynch"))->setEnabled(bool(m_seams.synchronise));
+    button(QStringLiteral("cmdCheckIn"))->setEnabled(bool(m_seams.checkInOut));
+    button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
 
     static const char *activeActions[] = {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
                                           "m2Exit", "m2Options", "m2About"};

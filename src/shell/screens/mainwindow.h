@@ -42,6 +42,8 @@ struct DeskSeams {
     // The check for rooms sold twice (onStart: silent when all is clear); false
     // when the user chose to leave the program instead of repairing them.
     std::function<bool(MainWindow &, bool onStart)> doubleBookings;
+    // Today's arrivals (mode 1) or departures.
+    std::function<void(MainWindow &, int mode)> checkInOut;
 };
 
 // frmMain: the desk's main window. It owns the session and is where every

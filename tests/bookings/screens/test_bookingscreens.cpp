@@ -1,5 +1,6 @@
 #include "bookings/bookingrecords.h"
 #include "bookings/bookingsave.h"
+#include "bookings/screens/checkinout.h"
 #include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewrooms.h"
 #include "clients/clientrecords.h"
@@ -289,6 +290,44 @@ private Q_SLOTS:
         editor.cmdViewRooms();
         QCOMPARE(sink.shown.last().title, QStringLiteral("Could not fetch guest record."));
         QCOMPARE(editor.edit().loadedRoomId, 2);
+    }
+
+    void checkInsListTodaysLegsAndOpenThem()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(demoSession(t));
+        Database &db = window.session().db();
+        const QDate today = QDate::currentDate();
+        const int listed = static_cast<int>(legsOfTheDay(db, StayEnd::Arrivals, today).size());
+
+        CheckInOut arrivals(window, StayEnd::Arrivals);
+        QCOMPARE(arrivals.windowTitle(), QStringLiteral("Check-Ins"));
+        arrivals.fill();
+        QCOMPARE(arrivals.gdBookings->rowCount(), listed);
+        QVERIFY(arrivals.gdBookings->isColumnHidden(0) && arrivals.gdBookings->isColumnHidden(1));
+
+        // A booking made today for today shows once the list is filled again after the editor.
+        db.execute("insert into client (Surname) values ('Plover')");
+        const qint64 client = db.lastInsertId();
+        db.execute("insert into booking (FromDate, ToDate, Status, MadeBy) values (?,?,'U',?)",
+                   {sqlDate(today), sqlDate(today.addDays(1)), client});
+        const qint64 booking = db.lastInsertId();
+        db.execute("insert into guest (BBBookingID, BBRoomID, BBClientID) values (?, 12, ?)", {booking, client});
+        std::vector<std::pair<qint32, qint32>> opened;
+        arrivals.viewBooking = [&](MainWindow &, qint32 b, qint32 r) { opened.emplace_back(b, r); };
+        if (listed > 0) {
+            arrivals.openRow(0);
+            QCOMPARE(opened.size(), size_t(1));
+        } else {
+            arrivals.fill();
+        }
+        QCOMPARE(arrivals.gdBookings->rowCount(), listed + 1);
+        const QList<QTableWidgetItem *> found = arrivals.gdBookings->findItems(QStringLiteral("Plover"), Qt::MatchContains);
+        QCOMPARE(found.size(), 1);
+        arrivals.openRow(found.first()->row());
+        QCOMPARE(opened.back(), (std::pair<qint32, qint32>(qint32(booking), 12)));
+        QVERIFY(sink.shown.isEmpty());
     }
 
     void doubleBookingsHoldTheDeskUntilRepairedOrLeft()

@@ -1,0 +1,83 @@
+#include "bookings/screens/checkinout.h"
+
+#include "bookings/screens/viewbooking.h"
+#include "shell/screens/mainwindow.h"
+#include "shell/session.h"
+#include "shell/strings.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace fenlark {
+
+namespace {
+// The hidden second column, headed "Guest ID", holds the leg's room: the key the editor opens on.
+enum Column { ColBooking, ColRoomId, ColRoom, ColClient, ColumnCount };
+}
+
+CheckInOut::CheckInOut(MainWindow &frmMain, StayEnd end, QWidget *parent)
+    : QDialog(parent), viewBooking(&ViewBooking::initialise), m_main(frmMain), m_end(end)
+{
+    setObjectName(QStringLiteral("dlgBookings"));
+    setWindowTitle(end == StayEnd::Arrivals ? getString(5963, QStringLiteral("Check-Ins"))
+                                            : getString(5964, QStringLiteral("Check-Outs")));
+    gdBookings = new QTableWidget(0, ColumnCount, this);
+    gdBookings->setObjectName(QStringLiteral("gdBookings"));
+    gdBookings->setHorizontalHeaderLabels({getString(5965, QStringLiteral("Booking ID")), getString(5966, QStringLiteral("Guest ID")),
+                                           getString(5958, QStringLiteral("Room")), getString(5967, QStringLiteral("Client"))});
+    gdBookings->setColumnHidden(ColBooking, true);
+    gdBookings->setColumnHidden(ColRoomId, true);
+    gdBookings->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    gdBookings->horizontalHeader()->setSectionResizeMode(ColClient, QHeaderView::Stretch);
+    gdBookings->verticalHeader()->hide();
+    gdBookings->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    gdBookings->setSelectionBehavior(QAbstractItemView::SelectRows);
+    gdBookings->setSelectionMode(QAbstractItemView::SingleSelection);
+
+    cmdExit = new QPushButton(getString(5961, QStringLiteral("Exit")), this);
+    cmdExit->setObjectName(QStringLiteral("cmdExit"));
+    cmdExit->setAutoDefault(false);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(cmdExit);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(gdBookings, 1);
+    layout->addLayout(buttons);
+    resize(480, 360);
+
+    connect(gdBookings, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { openRow(row); });
+    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+void CheckInOut::initialise(MainWindow &frmMain, int mode)
+{
+    CheckInOut dialog(frmMain, mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, &frmMain);
+    dialog.fill();
+    dialog.exec();
+}
+
+void CheckInOut::fill()
+{
+    const std::vector<DayLeg> legs = legsOfTheDay(m_main.session().db(), m_end, QDate::currentDate());
+    gdBookings->setRowCount(static_cast<int>(legs.size()));
+    for (int r = 0; r < static_cast<int>(legs.size()); ++r) {
+        const DayLeg &leg = legs[static_cast<size_t>(r)];
+        gdBookings->setItem(r, ColBooking, new QTableWidgetItem(QString::number(leg.BBBookingID)));
+        gdBookings->setItem(r, ColRoomId, new QTableWidgetItem(QString::number(leg.BBRoomID)));
+        gdBookings->setItem(r, ColRoom, new QTableWidgetItem(leg.roomName));
+        gdBookings->setItem(r, ColClient, new QTableWidgetItem(leg.client));
+    }
+}
+
+void CheckInOut::openRow(int row)
+{
+    if (row < 0 || row >= gdBookings->rowCount())
+        return;
+    viewBooking(m_main, gdBookings->item(row, ColBooking)->text().toInt(), gdBookings->item(row, ColRoomId)->text().toInt());
+    fill();
+}
+
+} // namespace fenlark
