@@ -1,12 +1,12 @@
 #include "bookings/screens/checkinout.h"
 
 #include "bookings/screens/viewbooking.h"
+#include "shell/screens/listgrid.h"
 #include "shell/screens/mainwindow.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -24,22 +24,14 @@ CheckInOut::CheckInOut(MainWindow &frmMain, StayEnd end, QWidget *parent)
     setObjectName(QStringLiteral("dlgBookings"));
     setWindowTitle(end == StayEnd::Arrivals ? getString(5963, QStringLiteral("Check-Ins"))
                                             : getString(5964, QStringLiteral("Check-Outs")));
-    gdBookings = new QTableWidget(0, ColumnCount, this);
-    gdBookings->setObjectName(QStringLiteral("gdBookings"));
-    gdBookings->setHorizontalHeaderLabels({getString(5965, QStringLiteral("Booking ID")), getString(5966, QStringLiteral("Guest ID")),
-                                           getString(5958, QStringLiteral("Room")), getString(5967, QStringLiteral("Client"))});
+    gdBookings = makeListGrid(this, QStringLiteral("gdBookings"),
+                              {getString(5965, QStringLiteral("Booking ID")), getString(5966, QStringLiteral("Guest ID")),
+                               getString(5958, QStringLiteral("Room")), getString(5967, QStringLiteral("Client"))},
+                              ColClient);
     gdBookings->setColumnHidden(ColBooking, true);
     gdBookings->setColumnHidden(ColRoomId, true);
-    gdBookings->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    gdBookings->horizontalHeader()->setSectionResizeMode(ColClient, QHeaderView::Stretch);
-    gdBookings->verticalHeader()->hide();
-    gdBookings->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    gdBookings->setSelectionBehavior(QAbstractItemView::SelectRows);
-    gdBookings->setSelectionMode(QAbstractItemView::SingleSelection);
 
-    cmdExit = new QPushButton(getString(5961, QStringLiteral("Exit")), this);
-    cmdExit->setObjectName(QStringLiteral("cmdExit"));
-    cmdExit->setAutoDefault(false);
+    cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5961, QStringLiteral("Exit")));
     auto *buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(cmdExit);

@@ -2,12 +2,12 @@
 
 #include "bookings/screens/viewbooking.h"
 #include "shell/messages.h"
+#include "shell/screens/listgrid.h"
 #include "shell/screens/mainwindow.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
@@ -43,26 +43,16 @@ DoubleBook::DoubleBook(MainWindow &frmMain, QWidget *parent)
     lblCheackAgainNarr = new QLabel(getString(5952, QStringLiteral("Press the 'Check Again' button after making changes.")), this);
     lblCheackAgainNarr->setObjectName(QStringLiteral("lblCheackAgainNarr"));
 
-    gdDouble = new QTableWidget(0, ColumnCount, this);
-    gdDouble->setObjectName(QStringLiteral("gdDouble"));
-    gdDouble->setHorizontalHeaderLabels({getString(5953, QStringLiteral("BookingID")), getString(5954, QStringLiteral("Type")),
-                                         getString(5955, QStringLiteral("Surname")), getString(5956, QStringLiteral("Arrival")),
-                                         getString(5957, QStringLiteral("Departure")), getString(5958, QStringLiteral("Room")),
-                                         getString(5959, QStringLiteral("RoomID"))});
+    gdDouble = makeListGrid(this, QStringLiteral("gdDouble"),
+                            {getString(5953, QStringLiteral("BookingID")), getString(5954, QStringLiteral("Type")),
+                             getString(5955, QStringLiteral("Surname")), getString(5956, QStringLiteral("Arrival")),
+                             getString(5957, QStringLiteral("Departure")), getString(5958, QStringLiteral("Room")),
+                             getString(5959, QStringLiteral("RoomID"))},
+                            ColSurname);
     gdDouble->setColumnHidden(ColRoomId, true);
-    gdDouble->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    gdDouble->horizontalHeader()->setSectionResizeMode(ColSurname, QHeaderView::Stretch);
-    gdDouble->verticalHeader()->hide();
-    gdDouble->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    gdDouble->setSelectionBehavior(QAbstractItemView::SelectRows);
-    gdDouble->setSelectionMode(QAbstractItemView::SingleSelection);
 
-    auto *refresh = new QPushButton(getString(5960, QStringLiteral("Check Again")), this);
-    refresh->setObjectName(QStringLiteral("cmdRefresh"));
-    refresh->setAutoDefault(false);
-    auto *exit = new QPushButton(getString(5961, QStringLiteral("Exit")), this);
-    exit->setObjectName(QStringLiteral("cmdExit"));
-    exit->setAutoDefault(false);
+    auto *refresh = makeDialogButton(this, QStringLiteral("cmdRefresh"), getString(5960, QStringLiteral("Check Again")));
+    auto *exit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5961, QStringLiteral("Exit")));
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(lblCheackAgainNarr, 1);
     buttons->addWidget(refresh);

@@ -3,10 +3,10 @@
 #include "bookings/bookingdetails.h"
 #include "rates/ratescalculator.h"
 #include "shell/messages.h"
+#include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -33,24 +33,16 @@ ViewRooms::ViewRooms(Database &db, qint32 bbBookingId, QWidget *parent)
     ChildPolicy policy;
     policy.fetchChildPolicy(db);
     const QString children = getString(5876, QStringLiteral("Children"));
-    gdRooms = new QTableWidget(0, ColumnCount, this);
-    gdRooms->setObjectName(QStringLiteral("gdRooms"));
-    gdRooms->setHorizontalHeaderLabels({getString(5873, QStringLiteral("Room")), getString(5887, QStringLiteral("Guest")),
-                                        getString(5875, QStringLiteral("Adults")), children + QLatin1Char('\n') + policy.label1,
-                                        children + QLatin1Char('\n') + policy.label2});
+    // Counts take what they need; the guest's name has the rest of the width.
+    gdRooms = makeListGrid(this, QStringLiteral("gdRooms"),
+                           {getString(5873, QStringLiteral("Room")), getString(5887, QStringLiteral("Guest")),
+                            getString(5875, QStringLiteral("Adults")), children + QLatin1Char('\n') + policy.label1,
+                            children + QLatin1Char('\n') + policy.label2},
+                           ColGuest);
     gdRooms->setColumnHidden(ColChild1, policy.ChildAge1 == 0);
     gdRooms->setColumnHidden(ColChild2, policy.ChildAge2 == 0);
-    // Counts take what they need; the guest's name has the rest of the width.
-    gdRooms->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    gdRooms->horizontalHeader()->setSectionResizeMode(ColGuest, QHeaderView::Stretch);
-    gdRooms->verticalHeader()->hide();
-    gdRooms->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    gdRooms->setSelectionBehavior(QAbstractItemView::SelectRows);
-    gdRooms->setSelectionMode(QAbstractItemView::SingleSelection);
 
-    cmdExit = new QPushButton(getString(5904, QStringLiteral("Close")), this);
-    cmdExit->setObjectName(QStringLiteral("cmdExit"));
-    cmdExit->setAutoDefault(false);
+    cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5904, QStringLiteral("Close")));
     auto *buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(cmdExit);

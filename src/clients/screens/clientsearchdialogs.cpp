@@ -1,5 +1,6 @@
 #include "clients/screens/clientsearchdialogs.h"
 
+#include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
 #include <QFrame>
@@ -24,12 +25,8 @@ dlgClientSearch::dlgClientSearch(QWidget *parent)
     search = new ucClientSearch(frmClientSearch);
     auto *frameLayout = new QVBoxLayout(frmClientSearch);
     frameLayout->addWidget(search);
-    cmdNew = new QPushButton(getString(5642, QStringLiteral("&Add New Client")), this);
-    cmdNew->setObjectName(QStringLiteral("cmdNew"));
-    cmdExit = new QPushButton(getString(5643, QStringLiteral("E&xit")), this);
-    cmdExit->setObjectName(QStringLiteral("cmdExit"));
-    cmdExit->setAutoDefault(false);
-    cmdNew->setAutoDefault(false);
+    cmdNew = makeDialogButton(this, QStringLiteral("cmdNew"), getString(5642, QStringLiteral("&Add New Client")));
+    cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5643, QStringLiteral("E&xit")));
 
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(cmdNew);

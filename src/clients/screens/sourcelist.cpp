@@ -4,10 +4,10 @@
 #include "shell/database.h"
 #include "shell/errorlog.h"
 #include "shell/messages.h"
+#include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -21,14 +21,7 @@ SourceList::SourceList(Database &db, const QString &searchText, QWidget *parent)
     setObjectName(QStringLiteral("dlgSourceList"));
     setWindowTitle(getString(5647, QStringLiteral("Sources")));
 
-    gdSources = new QTableWidget(0, 1, this);
-    gdSources->setObjectName(QStringLiteral("gdSources"));
-    gdSources->setHorizontalHeaderLabels({getString(5648, QStringLiteral("Source"))});
-    gdSources->horizontalHeader()->setStretchLastSection(true);
-    gdSources->verticalHeader()->hide();
-    gdSources->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    gdSources->setSelectionBehavior(QAbstractItemView::SelectRows);
-    gdSources->setSelectionMode(QAbstractItemView::SingleSelection);
+    gdSources = makeListGrid(this, QStringLiteral("gdSources"), {getString(5648, QStringLiteral("Source"))}, 0);
 
     QStringList sources;
     try {
@@ -44,12 +37,8 @@ SourceList::SourceList(Database &db, const QString &searchText, QWidget *parent)
 
     txtNewSource = new QLineEdit(this);
     txtNewSource->setObjectName(QStringLiteral("txtNewSource"));
-    cmdAdd = new QPushButton(getString(5651, QStringLiteral("&Add")), this);
-    cmdAdd->setObjectName(QStringLiteral("cmdAdd"));
-    cmdExit = new QPushButton(getString(5643, QStringLiteral("E&xit")), this);
-    cmdExit->setObjectName(QStringLiteral("cmdExit"));
-    cmdAdd->setAutoDefault(false);
-    cmdExit->setAutoDefault(false);
+    cmdAdd = makeDialogButton(this, QStringLiteral("cmdAdd"), getString(5651, QStringLiteral("&Add")));
+    cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5643, QStringLiteral("E&xit")));
 
     auto *add = new QHBoxLayout;
     add->addWidget(new QLabel(getString(5652, QStringLiteral("New source:")), this));
