@@ -618,27 +618,28 @@ void ViewBooking::showNames()
     m_guest2Email->setEnabled(m_edit.BBClient2ID != 0);
 }
 
-qint32 ViewBooking::chooseOtherClient(qint32 current)
+bool ViewBooking::changeClient(qint32 &slot)
 {
     const qint32 chosen = choosers.client(this);
-    return chosen == current ? 0 : chosen;
+    if (chosen < 1 || chosen == slot)
+        return false;
+    slot = chosen;
+    m_dirty = true;
+    showNames();
+    return true;
 }
 
 void ViewBooking::cmdMadeByChange()
 {
-    const qint32 chosen = chooseOtherClient(m_edit.MadeBy);
-    if (chosen < 1)
+    if (!changeClient(m_edit.MadeBy))
         return;
-    m_edit.MadeBy = chosen;
-    m_dirty = true;
-    showNames();
     messages::information(getString(5927, QStringLiteral("You have changed who 'made' this booking.")) + QStringLiteral("\n\n")
                               + getString(5928, QStringLiteral("Check the Account information in case this also needs to change.")),
                           getString(5929, QStringLiteral("'Made By' was changed.")));
     Database &db = m_main.session().db();
     Client client;
     Booking head;
-    if (!client.fetch(db, chosen) || !head.fetch(db, m_edit.BBBookingID) || client.BBRateSheetID == head.BBRateSheetID)
+    if (!client.fetch(db, m_edit.MadeBy) || !head.fetch(db, m_edit.BBBookingID) || client.BBRateSheetID == head.BBRateSheetID)
         return;
     messages::information(getString(5930, QStringLiteral("The selected client uses the ")) + rateSheetName(db, client.BBRateSheetID)
                               + getString(5931, QStringLiteral(" rate sheet.")) + QLatin1Char('\n')
@@ -650,22 +651,12 @@ void ViewBooking::cmdMadeByChange()
 
 void ViewBooking::cmdGuest1Change()
 {
-    const qint32 chosen = chooseOtherClient(m_edit.BBClientID);
-    if (chosen < 1)
-        return;
-    m_edit.BBClientID = chosen;
-    m_dirty = true;
-    showNames();
+    changeClient(m_edit.BBClientID);
 }
 
 void ViewBooking::cmdGuest2Change()
 {
-    const qint32 chosen = chooseOtherClient(m_edit.BBClient2ID);
-    if (chosen < 1)
-        return;
-    m_edit.BBClient2ID = chosen;
-    m_dirty = true;
-    showNames();
+    changeClient(m_edit.BBClient2ID);
 }
 
 void ViewBooking::cmdGuest2del()

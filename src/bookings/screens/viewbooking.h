@@ -101,8 +101,8 @@ private:
     void refreshTotals();
     void readScreen();
     void showNames();
-    // A client other than current chosen through the chooser; 0 when none.
-    qint32 chooseOtherClient(qint32 current);
+    // Puts a client chosen through the chooser in slot; false when none or the same was chosen.
+    bool changeClient(qint32 &slot);
     void emailToClipboard(qint32 clientId);
     void sourceChanged();
     void setDirty() { if (!m_loading) m_dirty = true; }
