@@ -1,5 +1,7 @@
 #include "synch/transport.h"
 
+#include "shell/strings.h"
+
 #include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
@@ -7,6 +9,7 @@
 #include <QNetworkRequest>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QStringDecoder>
 #include <QTimer>
 #include <QUrl>
 
@@ -136,8 +139,16 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
     if (reply->error() != QNetworkReply::NoError) {
         result.error = redactPassword(reply->errorString());
     } else {
-        result.ok = true;
-        result.reply = QString::fromUtf8(reply->readAll());
+        // A reply that is not UTF-8 is refused whole rather than read with
+        // replacement characters that would then be stored as names.
+        QStringDecoder decoder(QStringDecoder::Utf8);
+        result.reply = decoder.decode(reply->readAll());
+        if (decoder.hasError()) {
+            result.reply.clear();
+            result.error = getString(6032, QStringLiteral("The server's reply is not valid UTF-8 text."));
+        } else {
+            result.ok = true;
+        }
     }
     delete reply;
     return result;

@@ -212,6 +212,8 @@ private Q_SLOTS:
             "logupdates":[{"tablename":"client","logtype":"U","tableid":8,"values":{"ClientID":8,"Surname":"ok"}},{"tablename":"client","logtype":"U","tableid":9,"values":{"ClientID":9,"Notes":[1]}}]}})";
         QTest::newRow("success false") << R"({"success":false,"error":{"code":7,"message":"no"}})";
         QTest::newRow("not json") << "<html>oops</html>";
+        QTest::newRow("huge text") << (QStringLiteral(R"({"success":true,"data":{"logupdates":[{"tablename":"client","logtype":"U","tableid":1,"values":{"ClientID":1,"Surname":")")
+                                       + QString((1 << 20) + 1, QLatin1Char('x')) + QStringLiteral(R"("}}]}})"));
         QTest::newRow("deep nesting") << (QStringLiteral("{\"success\":true,\"data\":") + QString(5000, QLatin1Char('[')));
     }
 

@@ -2,9 +2,43 @@
 #include "synch/emergencysynch.h"
 #include "synch/transport.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 using namespace fenlark;
+
+namespace {
+// Answers every request on loopback with the given body, whatever was asked.
+class RawReplyServer {
+public:
+    explicit RawReplyServer(QByteArray body) : m_body(std::move(body))
+    {
+        QVERIFY(m_server.listen(QHostAddress::LocalHost));
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
+            QTcpSocket *socket = m_server.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+                // The multipart body ends with its closing boundary line.
+                m_request += socket->readAll();
+                if (!m_request.endsWith("--\r\n"))
+                    return;
+                socket->write("HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nConnection: close\r\nContent-Length: "
+                              + QByteArray::number(m_body.size()) + "\r\n\r\n" + m_body);
+                socket->disconnectFromHost();
+            });
+        });
+    }
+    QString url() const
+    {
+        return QStringLiteral("http://127.0.0.1:%1/moorgate/Synchronisation?a=pcsynch").arg(m_server.serverPort());
+    }
+
+private:
+    QTcpServer m_server;
+    QByteArray m_body;
+    QByteArray m_request;
+};
+} // namespace
 
 class TestTransport : public QObject {
     Q_OBJECT
@@ -89,6 +123,20 @@ private Q_SLOTS:
         const PostResult r = transport.post(QStringLiteral("http://127.0.0.1:1/moorgate/Synchronisation?a=pcsynch&p=pw"), QByteArray("{}"));
         QVERIFY(!r.ok);
         QVERIFY(!r.error.contains(QLatin1String("p=pw")));
+    }
+
+    void replyIsReadAsUtf8AndRefusedWhenItIsNot()
+    {
+        RawReplyServer good("{\"success\":true,\"name\":\"M\xc3\xbcller\"}");
+        const PostResult read = HttpTransport(5000).post(good.url(), QByteArray("{}"));
+        QVERIFY(read.ok);
+        QVERIFY(read.reply.contains(QStringLiteral("M\u00fcller")));
+
+        RawReplyServer bad("{\"success\":true,\"name\":\"M\xfcller\"}");
+        const PostResult refused = HttpTransport(5000).post(bad.url(), QByteArray("{}"));
+        QVERIFY(!refused.ok);
+        QVERIFY(refused.reply.isEmpty());
+        QCOMPARE(refused.error, QStringLiteral("The server's reply is not valid UTF-8 text."));
     }
 };
 
