@@ -25,12 +25,8 @@ bool DoubleBookingScan::scan()
     m_clashes.clear();
     m_unreadable.clear();
 
-    struct Leg {
-        qint32 booking;
-        qint32 room;
-    };
-    // Night (as a day number) and room -> the leg that holds it.
-    QHash<std::pair<qint64, qint32>, Leg> occupied;
+    // Night (as a day number) and room -> the booking that holds it.
+    QHash<std::pair<qint64, qint32>, qint32> occupied;
     QSet<qint32> reported;
     // SQLite turns the ISO dates into day numbers: parsing them here, row by row,
     // was most of the time of a scan over ten years of bookings.
@@ -50,13 +46,13 @@ bool DoubleBookingScan::scan()
             const std::pair<qint64, qint32> key{night, room};
             const auto held = occupied.constFind(key);
             if (held == occupied.constEnd()) {
-                occupied.insert(key, {booking, room});
+                occupied.insert(key, booking);
                 continue;
             }
-            for (const Leg &leg : {held.value(), Leg{booking, room}}) {
-                if (!reported.contains(leg.booking)) {
-                    reported.insert(leg.booking);
-                    report(leg.booking, leg.room);
+            for (const qint32 clashing : {held.value(), booking}) {
+                if (!reported.contains(clashing)) {
+                    reported.insert(clashing);
+                    report(clashing, room);
                 }
             }
         }
