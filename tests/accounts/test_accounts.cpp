@@ -159,15 +159,6 @@ private Q_SLOTS:
         QVERIFY(!Account::fetchAccounts(t.db(), first, 4));
     }
 
-    void statusWords()
-    {
-        QCOMPARE(getAccountStatusName("O"), QString("Uninvoiced"));
-        QCOMPARE(getAccountStatusName("C"), QString("Closed"));
-        QCOMPARE(getAccountStatusName(""), QString("Closed"));
-        QCOMPARE(getAccountStatusAction("O"), QString("Close"));
-        QCOMPARE(getAccountStatusAction("X"), QString("Open"));
-    }
-
     void balanceSumsRoomsExtrasLessPayments()
     {
         TestDatabase t;

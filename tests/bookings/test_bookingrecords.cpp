@@ -375,40 +375,6 @@ private Q_SLOTS:
         QCOMPARE(ChangeLog::count(t.db()), 3);
     }
 
-    void codesHaveTheirNames_data()
-    {
-        QTest::addColumn<QString>("code");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("status");
-        QTest::newRow("N") << "N" << "veldmoor booking" << "N";
-        QTest::newRow("P") << "P" << "PC Booking" << "Provisional";
-        QTest::newRow("C") << "C" << "Cell Phone Booking" << "Confirmed";
-        QTest::newRow("W") << "W" << "Unknown booking type" << "Waiting for deposit";
-        QTest::newRow("U") << "U" << "Unknown booking type" << "Unavailable";
-        QTest::newRow("empty") << "" << "Unknown booking type" << "";
-    }
-
-    void codesHaveTheirNames()
-    {
-        QFETCH(QString, code);
-        QFETCH(QString, type);
-        QFETCH(QString, status);
-        QCOMPARE(bookingTypeName(code), type);
-        QCOMPARE(bookingStatusName(code), status);
-    }
-
-    void statusListKeepsConfirmedFirstAndPaidFifth()
-    {
-        TestDatabase t;
-        const auto list = statusList(t.db());
-        QCOMPARE(list.size(), std::size_t(7));
-        QCOMPARE(list[0].code, QString("C"));
-        QCOMPARE(list[4].code, QString("S"));
-        QCOMPARE(list[4].name, QString("Paid"));
-        QCOMPARE(bookingTypeGroupName("N"), QString("Online Booking"));
-        QCOMPARE(bookingTypeGroupName("C"), QString("Off-line Booking"));
-    }
-
     void detailsNameAMissingClientOrAccountAndChangeNothing()
     {
         TestDatabase t;

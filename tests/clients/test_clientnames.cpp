@@ -93,29 +93,6 @@ private Q_SLOTS:
         QCOMPARE(getShortName(first, surname, company), shortName);
     }
 
-    void clientTypes()
-    {
-        QCOMPARE(clientTypeName("I"), QString("Individual"));
-        QCOMPARE(clientTypeName("C"), QString("Company"));
-        QCOMPARE(clientTypeName("T"), QString("Travel Agent"));
-        QCOMPARE(clientTypeName("O"), QString("Tour Operator"));
-        QCOMPARE(clientTypeName("X"), QString());
-        QCOMPARE(getClientTypeIndex("T"), 2);
-        QCOMPARE(getClientTypeIndex("Z"), 0);
-        QCOMPARE(getClientTypeIndex(""), 0);
-        QCOMPARE(getClientTypeCode(3), QString("O"));
-        QCOMPARE(getClientTypeCode(7), QString("I"));
-        QCOMPARE(getClientTypeCode(-1), QString("I"));
-        QCOMPARE(clientTypeNames(), (QStringList{"Individual", "Company", "Travel Agent", "Tour Operator"}));
-    }
-
-    void clientTypeNamesAreTranslated()
-    {
-        StringTable::instance().setLanguage(SpanishLanguage);
-        QCOMPARE(clientTypeName("I"), QString("Particular"));
-        QCOMPARE(clientTypeName("C"), QString("Empresa"));
-    }
-
     void missingClientIsNamedAndReported()
     {
         TestDatabase t;
@@ -219,15 +196,6 @@ private Q_SLOTS:
         QCOMPARE(t.db().scalar("select logtype from dblog where tablename = 'clientextra' and bbtableid = ?", {kept.BBClientExtraID})
                      .toString(),
                  QString("U"));
-    }
-
-    void extraFieldNames()
-    {
-        QCOMPARE(clientExtraFieldTypes().size(), 8);
-        QCOMPARE(clientExtraFieldName("P"), QString("Phone No"));
-        QCOMPARE(clientExtraFieldName("I"), QString("ID/Passport"));
-        QCOMPARE(clientExtraFieldName("S"), QString("Segment"));
-        QCOMPARE(clientExtraFieldName("Q"), QString());
     }
 };
 

@@ -14,13 +14,6 @@ class TestHelpers : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void paymentTypesHaveTheirNames()
-    {
-        QCOMPARE(paymentTypeName("2"), QString("Credit Card"));
-        QCOMPARE(paymentTypeName("9"), QString("Unknown Type"));
-        QCOMPARE(paymentTypeName(""), QString("Unknown Type"));
-    }
-
     void numbersAndAmounts()
     {
         QCOMPARE(safeDouble("12.5"), 12.5);

@@ -52,43 +52,6 @@ private Q_SLOTS:
         QCOMPARE(back.BookingID, 31);
     }
 
-    void bookingRoundTripsEveryColumnIncludingNulls()
-    {
-        TestDatabase t;
-        Booking b;
-        b.BookingType = "N";
-        b.BookingDate = QDateTime(QDate(2025, 1, 2), QTime(10, 11, 12));
-        b.FromDate = QDate(2025, 3, 12);
-        b.ToDate = QDate(2025, 3, 15);
-        b.Status = "W";
-        b.MadeBy = 5;
-        b.Deposit = 100.25;
-        b.BBRateSheetID = 2;
-        b.BBAccountID = 9;
-        b.AgentComm = 10;
-        b.Source = "O'Brien \"Jnr\"";
-        b.Notes = QString::fromUtf8("Ñandú 東京");
-        b.ReservedUntil = QDateTime(QDate(1899, 12, 30), QTime(0, 0));
-        b.CurrencyCode = "ZAR";
-        b.ExchangeRate = 1;
-        b.update(t.db());
-        QVERIFY(t.db().scalar("select ExtBookingID is null from booking").toBool());
-
-        Booking back;
-        QVERIFY(back.fetch(t.db(), b.BBBookingID));
-        QVERIFY(back.ExtBookingID.isNull());
-        QCOMPARE(back.BookingDate, b.BookingDate);
-        QCOMPARE(back.FromDate, b.FromDate);
-        QCOMPARE(back.ToDate, b.ToDate);
-        QCOMPARE(back.Source, b.Source);
-        QCOMPARE(back.Notes, b.Notes);
-        QCOMPARE(back.ReservedUntil, b.ReservedUntil);
-        QCOMPARE(back.Deposit, 100.25);
-        back.ExtBookingID = "";
-        back.update(t.db());
-        QVERIFY(!t.db().scalar("select ExtBookingID is null from booking").toBool());
-    }
-
     void deleteReplacesEarlierUpdateInTheLog()
     {
         TestDatabase t;
