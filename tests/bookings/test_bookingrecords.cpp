@@ -60,54 +60,6 @@ class TestBookingRecords : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void bookingUpdateTakesEachPathAndLogsIt()
-    {
-        TestDatabase t;
-        Booking b;
-        b.Status = "W";
-        b.update(t.db());
-        QVERIFY(b.BBBookingID > 0);
-        QCOMPARE(logOf(t.db(), "booking", b.BBBookingID), QString("U"));
-
-        b.Status = "C";
-        b.update(t.db());
-        QCOMPARE(t.db().scalar("select count(*) from booking").toInt(), 1);
-        QCOMPARE(t.db().scalar("select status from booking").toString(), QString("C"));
-        QCOMPARE(ChangeLog::count(t.db()), 1);
-
-        Booking fromServer;
-        fromServer.BBBookingID = 9000;
-        fromServer.BookingID = 12;
-        fromServer.update(t.db());
-        QCOMPARE(fromServer.BBBookingID, 9000);
-        QCOMPARE(logOf(t.db(), "booking", 9000), QString("U"));
-        QCOMPARE(ChangeLog::count(t.db()), 2);
-    }
-
-    void guestUpdateTakesEachPathAndLogsIt()
-    {
-        TestDatabase t;
-        Guest g;
-        g.BBBookingID = 1;
-        g.BBRoomID = 2;
-        g.update(t.db());
-        const qint32 id = g.BBGuestID;
-        QVERIFY(id > 0);
-        g.NoAdults = 3;
-        g.update(t.db());
-        QCOMPARE(g.BBGuestID, id);
-        QCOMPARE(t.db().scalar("select noadults from guest where bbguestid = ?", {id}).toInt(), 3);
-
-        Guest fromServer;
-        fromServer.BBGuestID = 555;
-        fromServer.BBRoomID = 7;
-        fromServer.update(t.db());
-        QCOMPARE(t.db().scalar("select bbroomid from guest where bbguestid = 555").toInt(), 7);
-        QCOMPARE(logOf(t.db(), "guest", id), QString("U"));
-        QCOMPARE(logOf(t.db(), "guest", 555), QString("U"));
-        QCOMPARE(ChangeLog::count(t.db()), 2);
-    }
-
     void bookingRoundTripsEveryColumn()
     {
         TestDatabase t;
