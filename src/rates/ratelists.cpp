@@ -34,8 +34,8 @@ void CurrencyCodes::initialise(Database &db)
 QString CurrencyCodes::getCurrencyCode(int index) const
 {
     if (index < 0 || index >= count()) {
-        messages::critical(getString(5508, QStringLiteral("Incorrect index passed into getCurrencyCode(%1)")).arg(index),
-                           getString(5509, QStringLiteral("Error")));
+        messages::critical(5508, QStringLiteral("Incorrect index passed into getCurrencyCode(%1)"), 5509, QStringLiteral("Error"),
+                           {QString::number(index)});
         return {};
     }
     return m_list[static_cast<std::size_t>(index)].first;

@@ -103,4 +103,10 @@ QString StringTable::get(int id, const QString &defaultText) const
     return it == m_texts.constEnd() ? defaultText : it.value();
 }
 
+QLocale deskLocale()
+{
+    return StringTable::instance().language() == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
+                                                                 : QLocale(QLocale::English, QLocale::UnitedStates);
+}
+
 } // namespace fenlark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QLocale>
 #include <QString>
 
 namespace fenlark {
@@ -37,6 +38,9 @@ private:
     int m_language = EnglishLanguage;
     QHash<int, QString> m_texts;
 };
+
+// The locale of the chosen language, for dates and numbers shown to people.
+QLocale deskLocale();
 
 inline QString getString(int id, const QString &defaultText)
 {

@@ -1,4 +1,4 @@
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 
 #include "accounts/accountrecords.h"
 #include "bookings/bookingrecords.h"
