@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+class QSqlDatabase;
+
+namespace fenlark {
+
+// Text as name searches compare it: composed and case-folded in every alphabet,
+// so "ÑÚÑEZ", "ñúñez" and a decomposed "Ñúñez" are one text. "%" and "_" pass
+// unchanged, so a folded pattern keeps its wildcards.
+QString foldCase(const QString &text);
+
+// Makes foldcase(text) callable in SQL on this open SQLite connection; the
+// triggers that keep the folded search keys call it on every write. False when
+// the connection is not an open SQLite one or SQLite refuses the function.
+bool registerFoldCase(const QSqlDatabase &db);
+
+} // namespace fenlark
