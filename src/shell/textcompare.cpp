@@ -1,5 +1,7 @@
 #include "shell/textcompare.h"
 
+#include "shell/strings.h"
+
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QVariant>
@@ -49,6 +51,17 @@ bool registerFoldCase(const QSqlDatabase &db)
     return sqlite3_create_function_v2(connection, "foldcase", 1, SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
                                       nullptr, foldCaseFunction, nullptr, nullptr, nullptr)
         == SQLITE_OK;
+}
+
+NameOrder::NameOrder()
+    : m_collator(StringTable::instance().locale())
+{
+    m_collator.setNumericMode(true);
+}
+
+bool NameOrder::operator()(const QString &a, const QString &b) const
+{
+    return m_collator.compare(a, b) < 0;
 }
 
 } // namespace fenlark

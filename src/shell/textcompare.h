@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCollator>
 #include <QString>
 
 class QSqlDatabase;
@@ -15,5 +16,17 @@ QString foldCase(const QString &text);
 // triggers that keep the folded search keys call it on every write. False when
 // the connection is not an open SQLite one or SQLite refuses the function.
 bool registerFoldCase(const QSqlDatabase &db);
+
+// Names in the order people expect in a list: by the alphabet of the language
+// in use, capitals beside small letters, numbers by value ("admin", "bob",
+// "Zed"; "Room 2" before "Room 10").
+class NameOrder {
+public:
+    NameOrder();
+    bool operator()(const QString &a, const QString &b) const;
+
+private:
+    QCollator m_collator;
+};
 
 } // namespace fenlark

@@ -1,8 +1,11 @@
 #include "shell/database.h"
+#include "shell/strings.h"
 #include "shell/textcompare.h"
 #include "support/testdatabase.h"
 
 #include <QtTest>
+
+#include <algorithm>
 
 using namespace fenlark;
 
@@ -10,6 +13,11 @@ class TestTextCompare : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup()
+    {
+        StringTable::instance().setLanguage(EnglishLanguage);
+    }
+
     void foldCaseFoldsEveryAlphabetAndKeepsWildcards_data()
     {
         QTest::addColumn<QString>("text");
@@ -39,6 +47,32 @@ private Q_SLOTS:
         TestDatabase t;
         QVERIFY(t.db().scalar("select foldcase(null)").isNull());
         QCOMPARE(t.db().scalar("select foldcase(12)").toString(), QString("12"));
+    }
+
+    void namesSortByTheLanguagesAlphabet_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QStringList>("expected");
+        const auto u = [](const char *text) { return QString::fromUtf8(text); };
+        QTest::newRow("English") << EnglishLanguage
+                                 << QStringList{u("admin"), u("bob"), u("Émile"), u("Eve"), u("Ñandú"), u("Nora"),
+                                                u("Room 2"), u("Room 10"), u("Zed")};
+        // Spanish keeps "ñ" as a letter of its own, after "n".
+        QTest::newRow("Spanish") << SpanishLanguage
+                                 << QStringList{u("admin"), u("bob"), u("Émile"), u("Eve"), u("Nora"), u("Ñandú"),
+                                                u("Room 2"), u("Room 10"), u("Zed")};
+    }
+
+    void namesSortByTheLanguagesAlphabet()
+    {
+        QFETCH(int, language);
+        QFETCH(QStringList, expected);
+        StringTable::instance().setLanguage(language);
+        QStringList names = {QString::fromUtf8("Zed"), QString::fromUtf8("Room 10"), QString::fromUtf8("Nora"),
+                             QString::fromUtf8("bob"), QString::fromUtf8("Eve"), QString::fromUtf8("Ñandú"),
+                             QString::fromUtf8("admin"), QString::fromUtf8("Room 2"), QString::fromUtf8("Émile")};
+        std::sort(names.begin(), names.end(), NameOrder());
+        QCOMPARE(names, expected);
     }
 };
 

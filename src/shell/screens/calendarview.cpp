@@ -22,8 +22,7 @@ QColor toColor(const Rgb &rgb)
 
 QLocale deskLocale()
 {
-    return StringTable::instance().language() == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
-                                                                 : QLocale(QLocale::English, QLocale::UnitedStates);
+    return StringTable::instance().locale();
 }
 
 CalendarModel::CalendarModel(Session &session, QObject *parent)
