@@ -21,11 +21,13 @@ void foldCaseFunction(sqlite3_context *context, int argc, sqlite3_value **argv)
     }
     const auto *text = static_cast<const QChar *>(sqlite3_value_text16(argv[0]));
     const int bytes = sqlite3_value_bytes16(argv[0]);
-    if (!text) {
+    // A zero-length blob has no text to point at; any other value without one
+    // is a conversion that ran out of memory.
+    if (!text && sqlite3_value_type(argv[0]) != SQLITE_BLOB) {
         sqlite3_result_error_nomem(context);
         return;
     }
-    const QString folded = foldCase(QString(text, bytes / 2));
+    const QString folded = text ? foldCase(QString(text, bytes / 2)) : QString();
     sqlite3_result_text16(context, folded.utf16(), static_cast<int>(folded.size() * 2), SQLITE_TRANSIENT);
 }
 

@@ -42,11 +42,14 @@ private Q_SLOTS:
         QCOMPARE(t.db().scalar("select foldcase(?)", {text}).toString(), folded);
     }
 
-    void foldCaseInSqlKeepsNull()
+    void foldCaseInSqlKeepsNullAndReadsOtherValuesAsText()
     {
         TestDatabase t;
         QVERIFY(t.db().scalar("select foldcase(null)").isNull());
         QCOMPARE(t.db().scalar("select foldcase(12)").toString(), QString("12"));
+        QCOMPARE(t.db().scalar("select foldcase('')").toString(), QString(""));
+        QCOMPARE(t.db().scalar("select foldcase(x'')").toString(), QString(""));
+        QCOMPARE(t.db().scalar("select foldcase(x'4142')").toString(), QString("ab"));
     }
 
     void namesSortByTheLanguagesAlphabet_data()
