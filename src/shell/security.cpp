@@ -4,10 +4,13 @@
 #include "shell/messages.h"
 #include "shell/setuprecords.h"
 #include "shell/strings.h"
+#include "shell/textcompare.h"
 
 #include <QDateTime>
 #include <QSqlQuery>
 #include <QSqlRecord>
+
+#include <algorithm>
 
 namespace fenlark {
 
@@ -121,9 +124,12 @@ void PropertyLogin::bindProperty(Database &db, int bbid, const QString &password
 std::vector<std::pair<QString, qint32>> UserLogin::userList(Database &db)
 {
     std::vector<std::pair<QString, qint32>> list;
-    const auto users = VMUser::list(db, QStringLiteral("UserName"));
+    std::vector<VMUser> users = VMUser::list(db, QStringLiteral("UserID"));
     if (users.empty())
         return list;
+    const NameOrder order;
+    std::stable_sort(users.begin(), users.end(),
+                     [&order](const VMUser &a, const VMUser &b) { return order(a.UserName, b.UserName); });
     list.emplace_back(QStringLiteral("admin"), 0);
     for (const VMUser &user : users)
         list.emplace_back(user.UserName, user.UserID);

@@ -97,6 +97,12 @@ void StringTable::setLanguage(int languageId)
     m_texts = load(languageId);
 }
 
+QLocale StringTable::locale() const
+{
+    return m_language == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
+                                         : QLocale(QLocale::English, QLocale::UnitedStates);
+}
+
 QString StringTable::get(int id, const QString &defaultText) const
 {
     const auto it = m_texts.constFind(id);
@@ -105,8 +111,7 @@ QString StringTable::get(int id, const QString &defaultText) const
 
 QLocale deskLocale()
 {
-    return StringTable::instance().language() == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
-                                                                 : QLocale(QLocale::English, QLocale::UnitedStates);
+    return StringTable::instance().locale();
 }
 
 } // namespace fenlark

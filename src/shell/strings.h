@@ -21,6 +21,9 @@ public:
     static StringTable &instance();
 
     int language() const { return m_language; }
+    // The locale of the language in use: its alphabet orders names and its
+    // calendar names days and months.
+    QLocale locale() const;
     // Loads the tables of that language; an unknown id falls back to English.
     void setLanguage(int languageId);
 

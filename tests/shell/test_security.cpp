@@ -83,18 +83,21 @@ private Q_SLOTS:
         QCOMPARE(int(s.BBID), 23457);
     }
 
-    void userListPutsAdminFirstAndIsEmptyWithoutUsers()
+    void userListPutsAdminFirstThenNamesAsPeopleSortThem()
     {
         TestDatabase t;
         QVERIFY(UserLogin::userList(t.db()).empty());
-        t.db().execute("insert into vmuser values(7, 'zoe', 'z', 0)");
-        t.db().execute("insert into vmuser values(3, 'anne', 'a', 0)");
+        t.db().execute("insert into vmuser values(7, 'Zed', 'z', 0)");
+        t.db().execute("insert into vmuser values(3, 'bob', 'b', 0)");
+        t.db().execute("insert into vmuser values(5, ?, 'e', 0)", {QString::fromUtf8("Émile")});
+        t.db().execute("insert into vmuser values(9, 'Anne', 'a', 0)");
         const auto list = UserLogin::userList(t.db());
-        QCOMPARE(list.size(), std::size_t(3));
-        QCOMPARE(list[0].first, QString("admin"));
+        QStringList names;
+        for (const auto &[name, id] : list)
+            names << name;
+        QCOMPARE(names, QStringList({"admin", "Anne", "bob", QString::fromUtf8("Émile"), "Zed"}));
         QCOMPARE(list[0].second, 0);
-        QCOMPARE(list[1].first, QString("anne"));
-        QCOMPARE(list[2].second, 7);
+        QCOMPARE(list[4].second, 7);
     }
 
     void adminOpensWithPasswordOrSecondPassword_data()
