@@ -4,7 +4,6 @@
 #include "reports/templates.h"
 #include "reports/xlsxtemplate.h"
 #include "shell/config.h"
-#include "shell/home.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
@@ -241,7 +240,7 @@ Result<QString> InvoicePrint::folder() const
     }
     const QString key = m_dbNumber > 0 ? QStringLiteral("InvoiceDir%1").arg(m_dbNumber) : QStringLiteral("InvoiceDir");
     const QString configured = readConfig(key, QString()).trimmed();
-    const QString dir = configured.isEmpty() ? config::invoiceDir(m_dbNumber) : QDir(Home::path()).absoluteFilePath(configured);
+    const QString dir = config::invoiceDir(m_dbNumber);
     if (!QFileInfo(dir).isDir())
         return Refusal(6820,
                        QStringLiteral("The %1 parameter is set to a folder that does not exist.\n\n%1=%2\n\n"

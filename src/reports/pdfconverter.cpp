@@ -40,8 +40,8 @@ QString libreOfficeProgram()
         const QString chosen = qEnvironmentVariable("FENLARK_SOFFICE");
         return QFileInfo(chosen).isExecutable() ? chosen : QString();
     }
-    for (const QString name : {QStringLiteral("soffice"), QStringLiteral("libreoffice")}) {
-        const QString found = QStandardPaths::findExecutable(name);
+    for (const char *name : {"soffice", "libreoffice"}) {
+        const QString found = QStandardPaths::findExecutable(QString::fromLatin1(name));
         if (!found.isEmpty())
             return found;
     }
