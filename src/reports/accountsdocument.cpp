@@ -321,4 +321,29 @@ Result<AccountsDocument> AccountsDocument::build(Database &db, const RateData &r
     return doc;
 }
 
+std::vector<InvoiceItem> invoiceItems(Database &db, qint32 invoiceNo)
+{
+    std::vector<InvoiceItem> items;
+    QSqlQuery q = db.query(QStringLiteral("select invoiceitem.* from invoice join invoiceitem on invoice.bbinvoiceid = "
+                                          "invoiceitem.bbinvoiceid where invoice.invoiceno = ? "
+                                          "order by invoiceitem.itemdate, invoiceitem.bbinvoiceitemid"),
+                           {invoiceNo});
+    while (q.next()) {
+        InvoiceItem item;
+        item.fillFields(q.record());
+        items.push_back(item);
+    }
+    return items;
+}
+
+Outcome checkCreditNote(Database &db, qint32 creditNoteNo)
+{
+    if (!db.scalar(QStringLiteral("select bbclienttranid from clienttran where trantype = 'CRN' and tranno = ?"), {creditNoteNo})
+             .isValid())
+        return Refusal(6842, QStringLiteral("Invalid Credit Note No passed to CreditNoteView - %1"), 6843,
+                       QStringLiteral("Invalid ID"))
+            .arg(creditNoteNo);
+    return Done{};
+}
+
 } // namespace fenlark

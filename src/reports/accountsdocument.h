@@ -1,5 +1,6 @@
 #pragma once
 
+#include "accounts/accountrecords.h"
 #include "clients/clientrecords.h"
 #include "shell/refusal.h"
 
@@ -83,5 +84,10 @@ private:
 
     friend class AccountsDocumentBuilder;
 };
+
+// The items of an invoice by date, then as entered: what InvoiceView lists.
+std::vector<InvoiceItem> invoiceItems(Database &db, qint32 invoiceNo);
+// Refuses a credit note number that the ledger does not hold.
+Outcome checkCreditNote(Database &db, qint32 creditNoteNo);
 
 } // namespace fenlark

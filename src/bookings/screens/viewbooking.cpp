@@ -13,6 +13,7 @@
 #include "clients/screens/sourcelist.h"
 #include "clients/sources.h"
 #include "rates/ratedata.h"
+#include "reports/screens/printchoose.h"
 #include "rates/ratescalculator.h"
 #include "rates/roomrates.h"
 #include "shell/errorlog.h"
@@ -206,7 +207,8 @@ void ViewBooking::build()
     auto *split = button(QStringLiteral("cmdSplit"), getString(5883, QStringLiteral("Split &Booking")), true);
     bookingButtons->addWidget(split);
     bookingButtons->addWidget(button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), false));
-    bookingButtons->addWidget(button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), false));
+    auto *print = button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), true);
+    bookingButtons->addWidget(print);
     bf->addRow(bookingButtons);
     layout->addWidget(booking);
 
@@ -287,6 +289,7 @@ void ViewBooking::build()
     connect(save, &QPushButton::clicked, this, &ViewBooking::cmdSave);
     connect(exit, &QPushButton::clicked, this, &ViewBooking::cmdExit);
     connect(split, &QPushButton::clicked, this, &ViewBooking::cmdSplit);
+    connect(print, &QPushButton::clicked, this, &ViewBooking::cmdPrint);
     connect(changeRooms, &QPushButton::clicked, this, &ViewBooking::cmdChangeRooms);
     connect(viewRooms, &QPushButton::clicked, this, &ViewBooking::cmdViewRooms);
     connect(calcDeposit, &QPushButton::clicked, this, &ViewBooking::cmdCalcDeposit);
@@ -730,6 +733,14 @@ void ViewBooking::initialise(MainWindow &frmMain, qint32 bbBookingId, qint32 bbR
     ViewBooking dialog(frmMain, &frmMain);
     if (!dialog.load(bbBookingId, bbRoomId))
         return;
+    dialog.exec();
+}
+
+void ViewBooking::cmdPrint()
+{
+    if (!guard())
+        return;
+    PrintChoose dialog(m_main.session(), m_edit.BBBookingID, m_edit.roomId, this);
     dialog.exec();
 }
 
