@@ -105,7 +105,9 @@ Refusal couldNotCreate(const QString &path)
 Outcome checkNotOpen(const QString &path)
 {
     const QFileInfo info(path);
-    if (QFileInfo::exists(info.dir().filePath(QStringLiteral(".~lock.") + info.fileName() + QLatin1Char('#'))))
+    const QDir dir = info.dir();
+    if (QFileInfo::exists(dir.filePath(QStringLiteral(".~lock.") + info.fileName() + QLatin1Char('#')))
+        || QFileInfo::exists(dir.filePath(QStringLiteral("~$") + info.fileName())))
         return couldNotCreate(path);
     return Done{};
 }

@@ -81,8 +81,9 @@ QString resolvePartName(const QString &sourcePart, const QString &target);
 // than tab and line ends, unpaired surrogates) are dropped.
 QString xmlSafeText(const QString &text);
 
-// Refuses to write over a document that LibreOffice has open (its lock file
-// ".~lock.<name>#" lies beside it), with "You may have the file open already.".
+// Refuses to write over a document that an office program has open (LibreOffice's
+// lock file ".~lock.<name>#" or another suite's "~$<name>" lies beside it), with
+// "You may have the file open already.".
 Outcome checkNotOpen(const QString &path);
 // The refusal for a document that could not be written at path.
 Refusal couldNotCreate(const QString &path);

@@ -234,6 +234,12 @@ private Q_SLOTS:
         QVERIFY(saved.refusal().text().contains("You may have the file open already."));
         QVERIFY(!QFile::exists(target));
         lock.remove();
+        QFile otherSuite(out("~$Inv000042.xlsx"));
+        QVERIFY(otherSuite.open(QIODevice::WriteOnly));
+        otherSuite.close();
+        QCOMPARE(t.save(target).refusal().id(), 6807);
+        otherSuite.remove();
+        QVERIFY(!QFile::exists(target));
 
         saved = t.save(m_template + QStringLiteral("/inside-a-file.xlsx"));
         QCOMPARE(saved.refusal().id(), 6807);
