@@ -1,6 +1,5 @@
 #include "ctl/verb.h"
 
-#include "accounts/accountrecords.h"
 #include "rates/ratedata.h"
 #include "reports/accountsdocument.h"
 #include "reports/invoiceprint.h"
@@ -88,17 +87,6 @@ int finish(QJsonObject out, const QStringList &files, bool pdf)
     return 0;
 }
 
-std::optional<qint32> latestCreditNote(Database &db, qint32 accountId)
-{
-    const QVariant number = db.scalar(
-        QStringLiteral("select creditnote.creditnoteno from creditnote join invoice on creditnote.invoiceno = invoice.invoiceno "
-                       "where invoice.bbaccountid = ? order by creditnote.bbcreditnoteid desc limit 1"),
-        {accountId});
-    if (!number.isValid())
-        return std::nullopt;
-    return number.toInt();
-}
-
 int runDocument(const CommandLine &args)
 {
     bool ok = false;
@@ -115,32 +103,16 @@ int runDocument(const CommandLine &args)
         return 1;
     Database &db = *chosen->db;
 
-    Account account;
-    if (!account.fetch(db, accountId))
-        return fail(QStringLiteral("no account %1").arg(accountId));
     qint32 number = 0;
-    switch (*type) {
-    case DocumentType::ProForma:
-        number = account.ProformaNo;
-        if (number < 1)
-            return fail(QStringLiteral("account %1 has no pro forma number yet").arg(accountId));
-        break;
-    case DocumentType::Invoice:
-        number = account.InvoiceNo;
-        if (number < 1)
-            return fail(QStringLiteral("account %1 has no invoice").arg(accountId));
-        break;
-    case DocumentType::CreditNote:
-        if (args.has(QStringLiteral("number"))) {
-            number = positiveOption(args, QStringLiteral("number"), &ok);
-            if (!ok)
-                return fail(QStringLiteral("--number must be a credit note number"));
-        } else if (const std::optional<qint32> latest = latestCreditNote(db, accountId)) {
-            number = *latest;
-        } else {
-            return fail(QStringLiteral("account %1 has no credit note").arg(accountId));
-        }
-        break;
+    if (args.has(QStringLiteral("number"))) {
+        number = positiveOption(args, QStringLiteral("number"), &ok);
+        if (!ok)
+            return fail(QStringLiteral("--number must be a credit note number"));
+    } else {
+        const Result<qint32> own = accountDocumentNumber(db, *type, accountId);
+        if (!own)
+            return refuse(own.refusal());
+        number = *own;
     }
 
     const RateData rates = RateData::load(db);

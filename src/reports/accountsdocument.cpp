@@ -321,6 +321,36 @@ Result<AccountsDocument> AccountsDocument::build(Database &db, const RateData &r
     return doc;
 }
 
+Result<qint32> accountDocumentNumber(Database &db, DocumentType type, qint32 accountId)
+{
+    Account account;
+    if (!account.fetch(db, accountId))
+        return Refusal(6815, QStringLiteral("Account %1 could not be found."), 6824, QStringLiteral("Document not found"))
+            .arg(accountId);
+    qint32 number = 0;
+    switch (type) {
+    case DocumentType::ProForma:
+        if (account.ProformaNo > 0)
+            return account.ProformaNo;
+        return Refusal(6846, QStringLiteral("Account %1 has no pro forma number yet."), 6824, QStringLiteral("Document not found"))
+            .arg(accountId);
+    case DocumentType::Invoice:
+        if (account.InvoiceNo > 0)
+            return account.InvoiceNo;
+        return Refusal(6847, QStringLiteral("Account %1 has no invoice."), 6824, QStringLiteral("Document not found")).arg(accountId);
+    case DocumentType::CreditNote:
+        number = db.scalar(QStringLiteral("select creditnote.creditnoteno from creditnote join invoice on "
+                                          "creditnote.invoiceno = invoice.invoiceno where invoice.bbaccountid = ? "
+                                          "order by creditnote.bbcreditnoteid desc limit 1"),
+                           {accountId})
+                     .toInt();
+        break;
+    }
+    if (number > 0)
+        return number;
+    return Refusal(6848, QStringLiteral("Account %1 has no credit note."), 6824, QStringLiteral("Document not found")).arg(accountId);
+}
+
 std::vector<InvoiceItem> invoiceItems(Database &db, qint32 invoiceNo)
 {
     std::vector<InvoiceItem> items;

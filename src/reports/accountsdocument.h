@@ -85,6 +85,11 @@ private:
     friend class AccountsDocumentBuilder;
 };
 
+// The number of an account's document: its pro forma number, its invoice number, or
+// the number of the latest credit note of its invoices. Refused when the account is
+// missing or has no such document yet.
+Result<qint32> accountDocumentNumber(Database &db, DocumentType type, qint32 accountId);
+
 // The items of an invoice by date, then as entered: what InvoiceView lists.
 std::vector<InvoiceItem> invoiceItems(Database &db, qint32 invoiceNo);
 // Refuses a credit note number that the ledger does not hold.

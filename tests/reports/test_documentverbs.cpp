@@ -69,7 +69,7 @@ private Q_SLOTS:
     {
         Run run = ctl({"document", "--account", QString::number(m_account), "--type", "P"});
         QCOMPARE(run.exitCode, 1);
-        QVERIFY(run.errors.contains("no pro forma number"));
+        QVERIFY(run.errors.contains("has no pro forma number yet"));
 
         m_t->db().execute("update account set proformano = 12 where bbaccountid = ?", {m_account});
         run = ctl({"document", "--account", QString::number(m_account), "--type", "P"});
@@ -91,9 +91,9 @@ private Q_SLOTS:
         QTest::newRow("no account") << QStringList{"document", "--type", "I"} << "--account";
         QTest::newRow("unknown type") << QStringList{"document", "--account", "1", "--type", "X"} << "--type";
         QTest::newRow("number on an invoice") << QStringList{"document", "--account", "1", "--type", "I", "--number", "3"} << "--number";
-        QTest::newRow("no invoice") << QStringList{"document", "--account", "1", "--type", "I"} << "has no invoice";
-        QTest::newRow("no credit note") << QStringList{"document", "--account", "1", "--type", "C"} << "has no credit note";
-        QTest::newRow("missing account") << QStringList{"document", "--account", "999999", "--type", "P"} << "no account";
+        QTest::newRow("no invoice") << QStringList{"document", "--account", "1", "--type", "I"} << "has no invoice.";
+        QTest::newRow("no credit note") << QStringList{"document", "--account", "1", "--type", "C"} << "has no credit note.";
+        QTest::newRow("missing account") << QStringList{"document", "--account", "999999", "--type", "P"} << "Account 999999 could not be found.";
         QTest::newRow("unknown kind") << QStringList{"letter", "--booking", "1", "--kind", "postcard"} << "--kind";
         QTest::newRow("room on a confirmation") << QStringList{"letter", "--booking", "1", "--kind", "confirmation", "--room", "2"} << "--room";
         QTest::newRow("pdf of a summary") << QStringList{"letter", "--booking", "1", "--kind", "summary", "--pdf"} << "--pdf";

@@ -70,6 +70,23 @@ bool printAccountDocument(Session &session, DocumentType type, qint32 accountId,
     return openDocument(*path, pdf, open);
 }
 
+bool printAccountDocument(Session &session, const QString &typeCode, qint32 accountId, bool remake, bool pdf,
+                          const OpenFile &open)
+{
+    const std::optional<DocumentType> type = documentTypeFromCode(typeCode);
+    if (!type) {
+        messages::show(Refusal(6849, QStringLiteral("Unknown Invoice Type: %1"), 6850, QStringLiteral("Unknown invoice type"))
+                           .arg(typeCode));
+        return false;
+    }
+    const Result<qint32> number = accountDocumentNumber(session.db(), *type, accountId);
+    if (!number) {
+        messages::show(number.refusal());
+        return false;
+    }
+    return printAccountDocument(session, *type, accountId, *number, remake, pdf, open);
+}
+
 bool openCreditNote(Session &session, qint32 creditNoteNo, const OpenFile &open)
 {
     if (Outcome known = checkCreditNote(session.db(), creditNoteNo); !known) {

@@ -25,6 +25,12 @@ bool openWithDesktop(const QString &path);
 bool printAccountDocument(Session &session, DocumentType type, qint32 accountId, qint32 number, bool remake, bool pdf,
                           const OpenFile &open = openWithDesktop);
 
+// The same for the account's own document of type "P", "I" or "C" (its pro forma,
+// its invoice, the latest credit note of its invoices): what the account screen's
+// print and open buttons call.
+bool printAccountDocument(Session &session, const QString &typeCode, qint32 accountId, bool remake, bool pdf,
+                          const OpenFile &open = openWithDesktop);
+
 // CreditNoteView: opens the credit note of that number like the other documents;
 // a number the ledger does not hold is refused.
 bool openCreditNote(Session &session, qint32 creditNoteNo, const OpenFile &open = openWithDesktop);

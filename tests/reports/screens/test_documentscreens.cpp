@@ -131,6 +131,20 @@ private Q_SLOTS:
         QVERIFY(sink.shown.isEmpty());
     }
 
+    void accountScreensButtonsPrintTheAccountsOwnDocument()
+    {
+        RecordingSink sink;
+        QVERIFY(!printAccountDocument(*m_session, "I", m_account, true, false, recorder()));
+        QCOMPARE(sink.shown.size(), 1);
+        QCOMPARE(sink.shown[0].id, 6847);
+        QVERIFY(!printAccountDocument(*m_session, "X", m_account, true, false, recorder()));
+        QCOMPARE(sink.shown[1].id, 6849);
+        db().execute("update account set proformano = 8 where bbaccountid = ?", {m_account});
+        QVERIFY(printAccountDocument(*m_session, "P", m_account, true, false, recorder()));
+        QCOMPARE(m_opened, QStringList{m_dir->filePath("invoices/Pro000008.xlsx")});
+        QVERIFY(m_opened.size() == 1 && sink.shown.size() == 2);
+    }
+
     void creditNoteTheLedgerDoesNotHoldIsRefused()
     {
         RecordingSink sink;
