@@ -179,14 +179,6 @@ Result<OoxmlPackage> OoxmlPackage::open(const QString &path)
     return package;
 }
 
-QStringList OoxmlPackage::partNames() const
-{
-    QStringList names;
-    for (const Entry &e : m_entries)
-        names << e.name;
-    return names;
-}
-
 OoxmlPackage::Entry *OoxmlPackage::entry(const QString &part)
 {
     for (Entry &e : m_entries)
@@ -269,18 +261,6 @@ Result<pugi::xml_document *> OoxmlPackage::contentTypes()
         return xml(ContentTypesPart);
     }
     return doc;
-}
-
-QString OoxmlPackage::overrideContentType(const QString &part)
-{
-    auto doc = contentTypes();
-    if (!doc)
-        return {};
-    const QByteArray wanted = (QLatin1Char('/') + part).toUtf8();
-    for (pugi::xml_node o : (*doc)->document_element().children("Override"))
-        if (std::strcmp(o.attribute("PartName").value(), wanted.constData()) == 0)
-            return QString::fromUtf8(o.attribute("ContentType").value());
-    return {};
 }
 
 void OoxmlPackage::setOverrideContentType(const QString &part, const QString &contentType)

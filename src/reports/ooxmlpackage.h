@@ -27,7 +27,6 @@ public:
     OoxmlPackage() = default;
 
     QString path() const { return m_path; }
-    QStringList partNames() const;
     bool contains(const QString &part) const;
 
     // The parsed XML of a part, or nullptr when the package has no such part.
@@ -38,8 +37,7 @@ public:
     void setXml(const QString &part, const QString &xmlText);
     void remove(const QString &part);
 
-    // The content type an override in [Content_Types].xml gives a part ("" when none).
-    QString overrideContentType(const QString &part);
+    // Sets the content type of a part in [Content_Types].xml; an empty type drops it.
     void setOverrideContentType(const QString &part, const QString &contentType);
     // The parts whose override has that content type, in the file's order.
     QStringList partsOfContentType(const QString &contentType);

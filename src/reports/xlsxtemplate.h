@@ -20,8 +20,6 @@ class XlsxTemplate {
 public:
     static Result<XlsxTemplate> open(const QString &path);
 
-    QString sheetName() const { return m_sheetName; }
-
     // The first cell of a defined name that points at the first sheet; none when the
     // workbook has no such name (names compare without regard to case).
     std::optional<CellRef> namedCell(const QString &name) const;
