@@ -1,12 +1,13 @@
 // Documents on the generated 40-room, 10-year property: an invoice of a 3-room,
 // 14-night booking with 20 extras made from the template and saved as .xlsx, and a
 // Registration letter. Each iteration does what the desk does on a click: reads the
-// rate data, gathers the document, fills the template and writes the file.
+// rate names, gathers the document, fills the template and writes the file.
 #include "generatedproperty.h"
 
 #include "accounts/accountrecords.h"
 #include "bookings/bookingrecords.h"
 #include "rates/ratedata.h"
+#include "reports/documenttext.h"
 #include "reports/accountsdocument.h"
 #include "reports/invoiceprint.h"
 #include "reports/printbooking.h"
@@ -135,7 +136,7 @@ void BM_InvoiceFromTemplateToXlsx(benchmark::State &state)
     const Invoiced invoiced = invoicedBooking(db);
     const InvoicePrint printer(0);
     for (auto _ : state) {
-        const RateData rates = RateData::load(db);
+        const RateData rates = loadRateNames(db);
         Result<AccountsDocument> doc = AccountsDocument::build(db, rates, DocumentType::Invoice, invoiced.account, 900001);
         Result<QString> path = printer.makeInvoice(*doc);
         if (!path)
@@ -150,7 +151,7 @@ void BM_RegistrationLetter(benchmark::State &state)
     Database &db = database();
     const Invoiced invoiced = invoicedBooking(db);
     for (auto _ : state) {
-        const RateData rates = RateData::load(db);
+        const RateData rates = loadRateNames(db);
         PrintBooking printer(db, rates, 0);
         Result<PrintedLetter> letter = printer.printLetter(LetterKind::Registration, invoiced.booking, invoiced.room);
         if (!letter)

@@ -1,6 +1,7 @@
 #include "ctl/verb.h"
 
 #include "rates/ratedata.h"
+#include "reports/documenttext.h"
 #include "reports/accountsdocument.h"
 #include "reports/invoiceprint.h"
 #include "reports/pdfconverter.h"
@@ -115,7 +116,7 @@ int runDocument(const CommandLine &args)
         number = *own;
     }
 
-    const RateData rates = RateData::load(db);
+    const RateData rates = loadRateNames(db);
     Result<AccountsDocument> document = AccountsDocument::build(db, rates, *type, accountId, number);
     if (!document)
         return refuse(document.refusal());
@@ -149,7 +150,7 @@ int runLetter(const CommandLine &args)
     if (!chosen)
         return 1;
     Database &db = *chosen->db;
-    const RateData rates = RateData::load(db);
+    const RateData rates = loadRateNames(db);
     PrintBooking printer(db, rates, chosen->number, args.option(QStringLiteral("out")));
 
     if (kind == QLatin1String("summary")) {

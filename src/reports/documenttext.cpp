@@ -1,5 +1,6 @@
 #include "reports/documenttext.h"
 
+#include "rates/ratedata.h"
 #include "shell/database.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
@@ -37,6 +38,22 @@ QString propertyCurrencySymbol(Database &db)
     }
     known.insert(code, symbol);
     return symbol;
+}
+
+RateData loadRateNames(Database &db)
+{
+    RateData data;
+    for (const RoomType &type : RoomType::list(db))
+        data.addRoomType(type);
+    for (const RateCode &code : RateCode::list(db, QStringLiteral("BBRateID")))
+        data.addRateCode(code);
+    for (const RTMealPlan &plan : RTMealPlan::list(db, QStringLiteral("BBMealPlanRC")))
+        data.addMealPlanRC(plan);
+    for (const Package &package : Package::list(db))
+        data.addPackage(package);
+    for (const PackageRT &link : PackageRT::list(db, QStringLiteral("BBPackageRateID")))
+        data.addPackageRT(link);
+    return data;
 }
 
 QString moneyText(const QString &symbol, double amount)

@@ -6,6 +6,7 @@
 namespace fenlark {
 
 class Database;
+class RateData;
 
 // The locale documents are written in: the program's language, so that month and
 // day names match the texts around them.
@@ -18,6 +19,11 @@ QString documentDate(const QDate &date, const QString &pattern);
 QString propertyCurrencySymbol(Database &db);
 // An amount with two decimals behind the currency symbol.
 QString moneyText(const QString &symbol, double amount);
+
+// The part of the rate data that names rates (room types, rate codes, meal plans,
+// packages): enough for getRateName, without the rate periods a price needs, so
+// a letter or an invoice does not wait for the whole rate sheet to be read.
+RateData loadRateNames(Database &db);
 
 // "2 Adults, 1 Child": the adults always, the children only when there are any;
 // the plural unless the count is exactly one.

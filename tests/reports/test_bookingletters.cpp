@@ -6,6 +6,8 @@
 #include "ooxmlfixtures.h"
 #include "rates/ratedata.h"
 #include "rates/raterecords.h"
+#include "rates/roomrates.h"
+#include "reports/documenttext.h"
 #include "reports/pdfconverter.h"
 #include "reports/printbooking.h"
 #include "shell/config.h"
@@ -182,6 +184,26 @@ private Q_SLOTS:
         QCOMPARE(v.value("NoGuests"), QString("2"));
         QCOMPARE(v.value("Reference"), QString("REF-3"));
         QCOMPARE(v.value("Balance"), QString("401.00"));
+    }
+
+    void rateNamesAreReadWithoutThePrices()
+    {
+        db().execute("insert into roomtype (BBRTID, RTName) values (4, 'Double & Twin')");
+        db().execute("insert into rtmealplan (BBMealPlanRC, BBRTID, BBMealPlanID) values (8, 4, 2)");
+        db().execute("insert into ratecode (BBRateID, Source, SourceID) values (31, 'R', 8)");
+        db().execute("insert into package (BBPackageID, PackageCode) values (6, 'Winter <3>')");
+        db().execute("insert into ratecode (BBRateID, Source, SourceID) values (32, 'K', 6)");
+        db().execute("update guest set bbrateid = 31 where bbroomid = 3");
+        db().execute("update guest set bbrateid = 32 where bbroomid = 1");
+        const RateData names = loadRateNames(db());
+        const RateData whole = RateData::load(db());
+        for (const qint32 rate : {0, 31, 32, 99})
+            QCOMPARE(getRateName(names, rate), getRateName(whole, rate));
+        auto values = letterBookmarks(db(), names, LetterKind::Registration, m_booking, 3);
+        QCOMPARE(values->value("RateCode"), getRateName(whole, 31));
+        QVERIFY(values->value("RateCode").startsWith("Double & Twin - "));
+        values = letterBookmarks(db(), names, LetterKind::Confirmation, m_booking, 0);
+        QVERIFY(values->value("Rooms").contains("Winter <3> x 2 Adults, 1 Child @ R100.00 per night"));
     }
 
     void missingBookingOrGuestIsRefusedAndNothingIsWritten()

@@ -1,6 +1,7 @@
 #include "reports/screens/accountdocuments.h"
 
 #include "rates/ratedata.h"
+#include "reports/documenttext.h"
 #include "reports/invoiceprint.h"
 #include "reports/pdfconverter.h"
 #include "shell/money.h"
@@ -56,7 +57,7 @@ bool printAccountDocument(Session &session, DocumentType type, qint32 accountId,
     const InvoicePrint printer(session.dbNumber());
     if (!remake && printer.docExists(type, number))
         return openDocument(*printer.documentPath(type, number), pdf, open);
-    const RateData rates = RateData::load(session.db());
+    const RateData rates = loadRateNames(session.db());
     const Result<AccountsDocument> document = AccountsDocument::build(session.db(), rates, type, accountId, number);
     if (!document) {
         messages::show(document.refusal());

@@ -1,6 +1,7 @@
 #include "reports/screens/printchoose.h"
 
 #include "rates/ratedata.h"
+#include "reports/documenttext.h"
 #include "reports/pdfconverter.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
@@ -60,7 +61,7 @@ PrintChoose::PrintChoose(Session &session, qint32 bbBookingId, qint32 bbRoomId, 
 void PrintChoose::print()
 {
     accept();
-    const RateData rates = RateData::load(m_session.db());
+    const RateData rates = loadRateNames(m_session.db());
     PrintBooking printer(m_session.db(), rates, m_session.dbNumber());
     if (opRegistration->isChecked()) {
         if (!printLetter(printer, LetterKind::Registration, m_room))
