@@ -14,7 +14,7 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &synchVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &synchVerbs(), &reportVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
