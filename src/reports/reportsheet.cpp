@@ -123,14 +123,8 @@ double ReportSheet::value(int row, int column) const
     double total = 0;
     const int lastRow = std::min(c->range.lastRow, rowCount());
     for (int r = c->range.firstRow; r <= lastRow; ++r) {
-        for (int col = c->range.firstColumn; col <= c->range.lastColumn; ++col) {
-            const SheetCell *inner = cell(r, col);
-            // SUBTOTAL leaves out other subtotals within its range, as the spreadsheet does.
-            if (inner && inner->kind == SheetCell::Formula && c->sum == SumKind::Subtotal &&
-                inner->sum == SumKind::Subtotal)
-                continue;
+        for (int col = c->range.firstColumn; col <= c->range.lastColumn; ++col)
             total += value(r, col);
-        }
     }
     return total;
 }
