@@ -112,6 +112,9 @@ int runReportVerb(const CommandLine &args)
     ReportCriteria criteria = defaultCriteria(number, QDate::currentDate(), orientation);
     if (!readCriteria(args, criteria))
         return 1;
+    // A printout from a given day runs a fortnight (landscape) or to the end of that month (portrait).
+    if (takesOrientation(number) && args.has(QStringLiteral("from")) && !args.has(QStringLiteral("to")))
+        criteria.to = defaultCriteria(number, criteria.from, orientation).to;
     const auto sheet = runReport(*db, number, criteria);
     if (!sheet)
         return fail(sheet.refusal().text());
