@@ -79,6 +79,16 @@ bool takesOrientation(int number)
     return number == report::CalendarPrintout;
 }
 
+QString reportFileName(int number, const QDateTime &when)
+{
+    QString name = reportName(number);
+    for (QChar &c : name) {
+        if (c == QLatin1Char('/') || c == QLatin1Char('\\') || c == QLatin1Char(':') || c.category() == QChar::Other_Control)
+            c = QLatin1Char('-');
+    }
+    return name + when.toString(QStringLiteral(" yyyy-MM-dd hhmmss")) + QStringLiteral(".xlsx");
+}
+
 QChar rememberedOrientation(Database &db)
 {
     return getPreference(db, OrientationPreference) == QLatin1String("L") ? QLatin1Char('L') : QLatin1Char('P');

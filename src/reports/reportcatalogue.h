@@ -4,6 +4,7 @@
 #include "shell/refusal.h"
 
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 
 #include <optional>
@@ -59,6 +60,11 @@ CriteriaForm criteriaForm(int number);
 // Whether the report reads To as well as From (the others hide it).
 bool takesToDate(int number);
 bool takesOrientation(int number);
+
+// The file a report run at that moment is saved as: its name and the moment,
+// "Booking Summary 2026-03-18 094512.xlsx", with anything a file name cannot
+// hold ("Arrivals/Departures") replaced by "-".
+QString reportFileName(int number, const QDateTime &when);
 
 // The orientation the Calendar Printout was last run in ("REPORT1"), "P" by default.
 QChar rememberedOrientation(Database &db);
