@@ -51,7 +51,7 @@ ReportSheet extrasReport(Database &db, const ReportCriteria &criteria)
         const double amount = q.value(4).toDouble() * q.value(5).toDouble();
         running += amount;
         table.addRow();
-        table.date(Date, dateFromSql(q.value(0)));
+        table.date(Date, sqlDay(q.value(0)));
         if (!q.value(1).isNull())
             table.number(BookingId, q.value(1).toInt());
         table.text(Room, q.value(2).toString());
@@ -153,8 +153,8 @@ ReportSheet outstandingAccounts(Database &db, const ReportCriteria &criteria)
                 continue;
             bookingId = q.value(0).toInt();
             table.number(BookingId, bookingId);
-            table.date(ArriveDate, dateFromSql(q.value(1)));
-            table.date(LastNight, dateFromSql(q.value(2)).addDays(-1));
+            table.date(ArriveDate, sqlDay(q.value(1)));
+            table.date(LastNight, sqlDay(q.value(2)).addDays(-1));
             table.text(BookingNotes, q.value(3).toString());
             break;
         }
@@ -205,7 +205,7 @@ ReportSheet paymentsReport(Database &db, const ReportCriteria &criteria)
         const qint32 accountId = q.value(4).toInt();
         table.addRow();
         table.text(PaymentType, paymentTypeName(q.value(0).toString()));
-        table.date(PaymentDate, dateFromSql(q.value(1)));
+        table.date(PaymentDate, sqlDay(q.value(1)));
         table.text(Reference, q.value(2).toString());
         table.number(Amount, q.value(3).toDouble());
         if (accountId > 0) {

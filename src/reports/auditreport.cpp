@@ -1,4 +1,5 @@
 #include "reports/reportbuilders.h"
+#include "reports/reportlookups.h"
 #include "reports/reporttable.h"
 #include "shell/database.h"
 #include "shell/strings.h"
@@ -22,7 +23,7 @@ ReportSheet securityAudit(Database &db, const ReportCriteria &criteria)
                            {sqlDate(criteria.from), sqlDate(criteria.to.addDays(1))});
     while (q.next()) {
         table.addRow();
-        table.dateTime(AuditDate, dateTimeFromSql(q.value(0)));
+        table.dateTime(AuditDate, sqlDay(q.value(0)), sqlTime(q.value(0)));
         table.text(User, q.value(1).toString());
         table.text(AuditNote, q.value(2).toString());
     }

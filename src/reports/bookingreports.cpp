@@ -123,8 +123,8 @@ ReportSheet bookingSummary(Database &db, const ReportCriteria &criteria)
         {sqlDate(criteria.from), sqlDate(criteria.to)});
     while (q.next()) {
         const qint32 bookingId = q.value(0).toInt();
-        const QDate from = dateFromSql(q.value(4));
-        const QDate to = dateFromSql(q.value(5));
+        const QDate from = sqlDay(q.value(4));
+        const QDate to = sqlDay(q.value(5));
         const qint32 roomId = q.value(12).toInt();
         const NightsTotal nights = rates.value(legKey(bookingId, roomId));
         const double accommodation = nights.total;
@@ -152,7 +152,7 @@ ReportSheet bookingSummary(Database &db, const ReportCriteria &criteria)
         if (q.value(1).toInt() > 0)
             table.number(VMID, q.value(1).toInt());
         table.text(Source, q.value(8).toString());
-        table.dateTime(BookingDate, dateTimeFromSql(q.value(3)));
+        table.dateTime(BookingDate, sqlDay(q.value(3)), sqlTime(q.value(3)));
         table.text(Status, statuses.name(q.value(6).toString()));
         table.number(PaidToDate, accountId > 0 ? payments.value(accountId) : 0.0);
         table.text(AppliedRate, rateNames.name(q.value(13).toInt()));
@@ -198,7 +198,7 @@ int stayEndTable(Database &db, ReportSheet &sheet, int titleRow, const QString &
         table.text(GuestName, clientNameAt(q, 1));
         table.number(NoGuests, q.value(5).toInt());
         table.number(BookingId, q.value(6).toInt());
-        table.number(Nights, dateFromSql(q.value(7)).daysTo(dateFromSql(q.value(8))));
+        table.number(Nights, sqlDay(q.value(7)).daysTo(sqlDay(q.value(8))));
         table.text(Additional, clientNameAt(q, 9));
         table.text(PhoneNo, q.value(13).toString());
         table.text(Notes, q.value(14).toString());
@@ -247,8 +247,8 @@ ReportSheet inHouseReport(Database &db, const ReportCriteria &criteria)
         table.text(Status, statuses.name(q.value(5).toString()));
         table.number(NoGuests, q.value(6).toInt());
         table.number(BookingId, q.value(7).toInt());
-        table.date(Arrival, dateFromSql(q.value(8)));
-        table.date(Departure, dateFromSql(q.value(9)));
+        table.date(Arrival, sqlDay(q.value(8)));
+        table.date(Departure, sqlDay(q.value(9)));
         table.text(RateCode, rateNames.name(q.value(10).toInt()));
         table.text(Notes, q.value(11).toString());
     }
@@ -285,9 +285,9 @@ ReportSheet marketingReport(Database &db, const ReportCriteria &criteria)
         table.addRow();
         table.text(Source, q.value(0).toString());
         table.number(BookingId, q.value(1).toInt());
-        table.dateTime(BookingDate, dateTimeFromSql(q.value(2)));
-        table.date(ArriveDate, dateFromSql(q.value(3)));
-        table.date(LastNight, dateFromSql(q.value(4)).addDays(-1));
+        table.dateTime(BookingDate, sqlDay(q.value(2)), sqlTime(q.value(2)));
+        table.date(ArriveDate, sqlDay(q.value(3)));
+        table.date(LastNight, sqlDay(q.value(4)).addDays(-1));
         table.text(MadeBy, clientNameAt(q, 5));
         table.text(Company, q.value(8).toString());
         table.number(Accomm, accommodation);

@@ -1,5 +1,6 @@
 #include "clients/clientnames.h"
 #include "reports/reportbuilders.h"
+#include "reports/reportlookups.h"
 #include "reports/reporttable.h"
 #include "shell/database.h"
 #include "shell/strings.h"
@@ -50,8 +51,8 @@ std::vector<Stay> staysWithin(Database &db, const QDate &from, const QDate &to)
         {sqlDate(to), sqlDate(from)});
     while (q.next()) {
         Stay stay;
-        stay.from = dateFromSql(q.value(0));
-        stay.to = dateFromSql(q.value(1));
+        stay.from = sqlDay(q.value(0));
+        stay.to = sqlDay(q.value(1));
         stay.status = q.value(2).toString();
         stay.BBRoomID = q.value(3).toInt();
         stay.adults = q.value(4).toInt();

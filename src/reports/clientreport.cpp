@@ -1,6 +1,7 @@
 #include "clients/clientnames.h"
 #include "rates/ratelists.h"
 #include "reports/reportbuilders.h"
+#include "reports/reportlookups.h"
 #include "reports/reporttable.h"
 #include "shell/database.h"
 #include "shell/strings.h"
@@ -24,7 +25,7 @@ QHash<qint32, QDate> lastBookings(Database &db)
         "union all select g.BBClient2ID, b.FromDate from guest g join booking b on b.BBBookingID = g.BBBookingID "
         "where g.BBClient2ID > 0) group by client"));
     while (q.next())
-        last.insert(q.value(0).toInt(), dateFromSql(q.value(1)));
+        last.insert(q.value(0).toInt(), sqlDay(q.value(1)));
     return last;
 }
 

@@ -44,7 +44,7 @@ QHash<qint32, std::array<double, 4>> agedOpenRows(Database &db, const AgeLimits 
     QHash<qint32, std::array<double, 4>> aged;
     QSqlQuery q = db.query(QStringLiteral("select BBClientID, TranDate, Amount from clienttran where Matched = 0"));
     while (q.next()) {
-        const DebtAge age = limits.ageOf(dateFromSql(q.value(1)));
+        const DebtAge age = limits.ageOf(sqlDay(q.value(1)));
         if (age == DebtAge::Future)
             continue;
         auto &columns = aged[q.value(0).toInt()];
@@ -138,7 +138,7 @@ ReportSheet transactionsReport(Database &db, const ReportCriteria &criteria)
         const double vat = q.value(9).toDouble();
         running += gross;
         table.addRow();
-        table.date(TranDate, dateFromSql(q.value(0)));
+        table.date(TranDate, sqlDay(q.value(0)));
         table.text(Type, q.value(1).toString());
         table.number(TranNo, q.value(2).toInt());
         table.text(Client, clientNameAt(q, 3));

@@ -9,6 +9,17 @@
 
 namespace fenlark {
 
+QDate sqlDay(const QVariant &value)
+{
+    return QDate::fromString(value.toString().left(10), Qt::ISODate);
+}
+
+QTime sqlTime(const QVariant &value)
+{
+    const QString text = value.toString();
+    return text.size() >= 19 ? QTime::fromString(text.mid(11, 8), Qt::ISODate) : QTime(0, 0);
+}
+
 QString clientNameAt(const QSqlQuery &q, int firstColumn)
 {
     if (q.value(firstColumn).isNull())

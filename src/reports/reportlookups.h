@@ -7,10 +7,17 @@
 #include <QList>
 #include <QSqlQuery>
 #include <QString>
+#include <QTime>
+#include <QVariant>
 
 namespace fenlark {
 
 class Database;
+
+// The day and the time of day of a date or date-time column, read as the ISO
+// text they are kept in (invalid for anything else).
+QDate sqlDay(const QVariant &value);
+QTime sqlTime(const QVariant &value);
 
 // The client's full name from four columns of a row (title, first name, surname,
 // company) starting at firstColumn; empty when the client was missing from a

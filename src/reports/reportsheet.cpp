@@ -4,6 +4,19 @@
 
 namespace fenlark {
 
+namespace {
+
+// dd/MM/yyyy, built directly: a report formats thousands of dates.
+QString dayText(const QDate &date)
+{
+    return QStringLiteral("%1/%2/%3")
+        .arg(date.day(), 2, 10, QLatin1Char('0'))
+        .arg(date.month(), 2, 10, QLatin1Char('0'))
+        .arg(date.year(), 4, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
 QString SheetRange::address() const
 {
     return columnLetter(firstColumn) + QString::number(firstRow) + QLatin1Char(':') + columnLetter(lastColumn) +
@@ -62,16 +75,17 @@ void ReportSheet::setDate(int row, int column, const QDate &date)
         return;
     SheetCell &c = at(row, column);
     c.kind = SheetCell::Date;
-    c.moment = QDateTime(date, QTime(0, 0));
+    c.date = date;
 }
 
-void ReportSheet::setDateTime(int row, int column, const QDateTime &moment)
+void ReportSheet::setDateTime(int row, int column, const QDate &date, const QTime &time)
 {
-    if (!moment.isValid())
+    if (!date.isValid())
         return;
     SheetCell &c = at(row, column);
     c.kind = SheetCell::DateTime;
-    c.moment = moment;
+    c.date = date;
+    c.time = time.isValid() ? time : QTime(0, 0);
 }
 
 void ReportSheet::setSum(int row, int column, SumKind kind, const SheetRange &range, NumberStyle style)
@@ -154,9 +168,9 @@ QString ReportSheet::plainText(int row, int column) const
         return text;
     }
     case SheetCell::Date:
-        return c->moment.date().toString(QStringLiteral("dd/MM/yyyy"));
+        return dayText(c->date);
     case SheetCell::DateTime:
-        return c->moment.toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"));
+        return dayText(c->date) + QLatin1Char(' ') + c->time.toString(Qt::ISODate);
     case SheetCell::Number:
     case SheetCell::Formula:
         break;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QDate>
-#include <QDateTime>
 #include <QString>
+#include <QTime>
 
 #include <vector>
 
@@ -45,7 +45,8 @@ struct SheetCell {
     bool overflow = false;  // a line of text that runs on over the empty cells beside it
     QString text;
     double number = 0;
-    QDateTime moment;       // Date (midnight) and DateTime
+    QDate date;             // Date and DateTime
+    QTime time;             // DateTime
     SumKind sum = SumKind::Sum;
     SheetRange range;
 
@@ -74,7 +75,7 @@ public:
     void setText(int row, int column, const QString &text);
     void setNumber(int row, int column, double value, NumberStyle style = NumberStyle::General);
     void setDate(int row, int column, const QDate &date);
-    void setDateTime(int row, int column, const QDateTime &moment);
+    void setDateTime(int row, int column, const QDate &date, const QTime &time);
     void setSum(int row, int column, SumKind kind, const SheetRange &range, NumberStyle style = NumberStyle::General);
     void setBold(int row, int column, bool bold = true);
     void setFontSize(int row, int column, int points);

@@ -64,9 +64,9 @@ void ReportTable::date(int column, const QDate &value)
     m_sheet.setDate(m_row, column, value);
 }
 
-void ReportTable::dateTime(int column, const QDateTime &value)
+void ReportTable::dateTime(int column, const QDate &date, const QTime &time)
 {
-    m_sheet.setDateTime(m_row, column, value);
+    m_sheet.setDateTime(m_row, column, date, time);
 }
 
 void ReportTable::rowSum(int column, int firstColumn, int lastColumn)

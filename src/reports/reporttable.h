@@ -3,8 +3,8 @@
 #include "reports/reportsheet.h"
 
 #include <QDate>
-#include <QDateTime>
 #include <QString>
+#include <QTime>
 
 #include <vector>
 
@@ -47,7 +47,7 @@ public:
     // Money columns are rounded to the cent here.
     void number(int column, double value);
     void date(int column, const QDate &value);
-    void dateTime(int column, const QDateTime &value);
+    void dateTime(int column, const QDate &date, const QTime &time);
     // =SUM over columns of the current row, with its value.
     void rowSum(int column, int firstColumn, int lastColumn);
 

@@ -75,10 +75,8 @@ private:
     std::map<int, lxw_format *> m_formats;
 };
 
-lxw_datetime toLxw(const QDateTime &moment)
+lxw_datetime toLxw(const QDate &d, const QTime &t)
 {
-    const QDate d = moment.date();
-    const QTime t = moment.time();
     return lxw_datetime{d.year(), d.month(), d.day(), t.hour(), t.minute(), static_cast<double>(t.second())};
 }
 
@@ -99,7 +97,7 @@ lxw_error writeCell(lxw_worksheet *sheet, Formats &formats, const ReportSheet &r
         return worksheet_write_number(sheet, r, c, cell->number, format);
     case SheetCell::Date:
     case SheetCell::DateTime: {
-        lxw_datetime when = toLxw(cell->moment);
+        lxw_datetime when = toLxw(cell->date, cell->kind == SheetCell::DateTime ? cell->time : QTime(0, 0));
         return worksheet_write_datetime(sheet, r, c, &when, format);
     }
     case SheetCell::Formula: {
@@ -144,7 +142,10 @@ double fittedColumnWidth(const ReportSheet &sheet, int column)
         const SheetCell *cell = sheet.cell(row, column);
         if (!cell || cell->kind == SheetCell::Empty || cell->overflow)
             continue;
-        qsizetype width = sheet.plainText(row, column).size();
+        // Dates have a known width; anything else is measured as its text.
+        qsizetype width = cell->kind == SheetCell::Date       ? 10
+                          : cell->kind == SheetCell::DateTime ? 19
+                                                              : sheet.plainText(row, column).size();
         if (cell->isNumeric() && cell->style == NumberStyle::Money)
             width += width / 3 + 2;   // thousands separators and the format's padding
         if (cell->bold)

@@ -132,7 +132,7 @@ private Q_SLOTS:
             table.date(1, value.toDate());
             break;
         case ColumnKind::DateTime:
-            table.dateTime(1, value.toDateTime());
+            table.dateTime(1, value.toDateTime().date(), value.toDateTime().time());
             break;
         case ColumnKind::Text:
         case ColumnKind::Notes:
