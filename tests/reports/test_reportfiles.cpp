@@ -7,6 +7,8 @@
 #include "reportfixture.h"
 
 #include <QDir>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -185,6 +187,33 @@ private Q_SLOTS:
         QVERIFY(QString::fromUtf8(zipEntry(path, "xl/sharedStrings.xml"))
                     .contains(QStringLiteral("Bookings Report from 01/03/2026 to 31/03/2026")));
         QVERIFY(styles.contains(QStringLiteral("<sz val=\"12\"/>")));
+    }
+
+    // The spreadsheet program recalculates the sums on opening and must come to
+    // the same figures as the values stored with them.
+    void aSpreadsheetProgramOpensItAndAddsUpTheSame()
+    {
+        const QString soffice = QStandardPaths::findExecutable(QStringLiteral("soffice"));
+        if (soffice.isEmpty())
+            QSKIP("LibreOffice is not installed");
+        TestDatabase t;
+        reportfixture::seed(t.db());
+        const auto sheet = runReport(t.db(), report::BookingSummary, defaultCriteria(report::BookingSummary, QDate(2026, 3, 18)));
+        QVERIFY(sheet.ok());
+        const QString path = t.file(QStringLiteral("summary.xlsx"));
+        QVERIFY(writeReportXlsx(*sheet, path).ok());
+        QProcess office;
+        office.start(soffice, {QStringLiteral("-env:UserInstallation=file://") + t.file(QStringLiteral("office")),
+                               QStringLiteral("--headless"), QStringLiteral("--convert-to"), QStringLiteral("csv"),
+                               QStringLiteral("--outdir"), t.home(), path});
+        QVERIFY(office.waitForFinished(240000));
+        QFile csv(t.file(QStringLiteral("summary.csv")));
+        QVERIFY2(csv.open(QIODevice::ReadOnly), qPrintable(office.readAllStandardError()));
+        const QStringList lines = QString::fromUtf8(csv.readAll()).split(QLatin1Char('\n'));
+        QVERIFY(lines.size() >= 11);
+        QCOMPARE(lines.at(0).section(QLatin1Char(','), 0, 0), QStringLiteral("Bookings Report from 01/03/2026 to 31/03/2026"));
+        QCOMPARE(lines.at(2).section(QLatin1Char(','), 0, 2), QStringLiteral("Booking ID,Arrive Date,Last Night"));
+        QCOMPARE(lines.at(10).trimmed(), QStringLiteral(",,,,,8,1,,13,150,,,,,,,,,,,,,,2746.5,2596.5"));
     }
 
     void columnsFitTheirContentAndNotesKeepTheirWidth()
