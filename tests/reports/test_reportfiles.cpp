@@ -183,9 +183,11 @@ private Q_SLOTS:
         const QString styles = QString::fromUtf8(zipEntry(path, "xl/styles.xml"));
         QVERIFY(styles.contains(QStringLiteral("formatCode=\"dd/mm/yyyy\"")));
         QVERIFY(styles.contains(QStringLiteral("formatCode=\"_ * #,##0.00_ ;_ * -#,##0.00_ \"")));
-        // The title is bold and larger.
-        QVERIFY(QString::fromUtf8(zipEntry(path, "xl/sharedStrings.xml"))
-                    .contains(QStringLiteral("Bookings Report from 01/03/2026 to 31/03/2026")));
+        // Texts as written, escaped where XML needs it; the title bold and larger.
+        const QString strings = QString::fromUtf8(zipEntry(path, "xl/sharedStrings.xml"));
+        QVERIFY(strings.contains(QStringLiteral("Bookings Report from 01/03/2026 to 31/03/2026")));
+        QVERIFY(strings.contains(QStringLiteral("<t>Acme &amp; Sons</t>")));
+        QVERIFY(strings.contains(QStringLiteral("<t>Ms Ana Núñez</t>")));
         QVERIFY(styles.contains(QStringLiteral("<sz val=\"12\"/>")));
     }
 
