@@ -5,6 +5,7 @@
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewbooking.h"
+#include "reports/screens/reportlauncher.h"
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
@@ -95,6 +96,7 @@ MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
         [](MainWindow &w) { return synchEntireDatabase(w.session().db(), &w); },
         &DoubleBook::check,
         &CheckInOut::initialise,
+        [](MainWindow &w, int number) { ReportLauncher(w.session(), &w).run(number); },
     });
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();

@@ -164,6 +164,21 @@ private Q_SLOTS:
         QCOMPARE(sink.titles, QStringList{"Please select a booking"});
     }
 
+    void reportEntriesRunTheirReportsAndTheClientsMenuRunsTheClientReport()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        QList<int> run;
+        DeskSeams seams;
+        seams.runReport = [&](MainWindow &, int number) { run << number; };
+        window.setSeams(seams);
+        QVERIFY(window.menuAction("m2xl12")->isEnabled());
+        QVERIFY(window.menuAction("m2ClientReport")->isEnabled());
+        window.menuAction("m2xl7")->trigger();
+        window.menuAction("m2ClientReport")->trigger();
+        QCOMPARE(run, (QList<int>{7, 4}));
+    }
+
     void statusListSelectsTheCodeOrTheFirst()
     {
         TestDatabase t;
