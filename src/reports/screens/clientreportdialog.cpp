@@ -1,6 +1,7 @@
 #include "reports/screens/clientreportdialog.h"
 
 #include "clients/clientnames.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -59,8 +60,8 @@ ClientReportDialog::ClientReportDialog(const ReportCriteria &defaults, QWidget *
     layout->addWidget(frmSearch);
     layout->addLayout(buttons);
 
-    connect(cmdRun, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdRun, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 ReportCriteria ClientReportDialog::criteria() const

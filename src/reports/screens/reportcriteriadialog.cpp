@@ -1,5 +1,6 @@
 #include "reports/screens/reportcriteriadialog.h"
 
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -76,9 +77,9 @@ ReportCriteriaDialog::ReportCriteriaDialog(int number, const ReportCriteria &def
     layout->addWidget(frmXL);
     layout->addLayout(buttons);
 
-    connect(cmdRun, &QPushButton::clicked, this, &ReportCriteriaDialog::run);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(opLandscape, &QRadioButton::toggled, this, &ReportCriteriaDialog::orientationChosen);
+    connect(cmdRun, &QPushButton::clicked, this, guarded(this, &ReportCriteriaDialog::run));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
+    connect(opLandscape, &QRadioButton::toggled, this, guarded(this, &ReportCriteriaDialog::orientationChosen));
 }
 
 void ReportCriteriaDialog::orientationChosen()

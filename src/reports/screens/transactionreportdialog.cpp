@@ -1,6 +1,7 @@
 #include "reports/screens/transactionreportdialog.h"
 
 #include "reports/screens/reportcriteriadialog.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -76,8 +77,8 @@ TransactionReportDialog::TransactionReportDialog(const ReportCriteria &defaults,
     layout->addLayout(fields);
     layout->addLayout(buttons);
 
-    connect(cmdRun, &QPushButton::clicked, this, &TransactionReportDialog::run);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdRun, &QPushButton::clicked, this, guarded(this, &TransactionReportDialog::run));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 ReportCriteria TransactionReportDialog::criteria() const
