@@ -133,7 +133,7 @@ void BM_FullSynchToEmptyServer(benchmark::State &state)
         rows = ChangeLog::count(*db);
         server::ReferenceServer store(serverFile, QStringLiteral("bench-server"));
         store.createProperty(bbid, QStringLiteral("pw"), QStringLiteral("Bench"));
-        server::HttpFront front(store);
+        server::HttpFront front(serverFile);
         const quint16 port = front.listen(QHostAddress::LocalHost, 0);
         HttpTransport transport;
         Synch synch(*db, transport);

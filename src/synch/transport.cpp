@@ -13,6 +13,8 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <utility>
+
 namespace fenlark {
 
 QString urlEncode(const QString &text)
@@ -49,7 +51,7 @@ namespace {
 QString loginQuery(const ServerLogin &login, const QString &action)
 {
     return serverBase(login.server) + QStringLiteral("/moorgate/Synchronisation?a=") + action
-        + QStringLiteral("&bbid=") + QString::number(login.bbid) + QStringLiteral("&p=") + login.password;
+        + QStringLiteral("&bbid=") + QString::number(login.bbid) + QStringLiteral("&p=") + urlEncode(login.password);
 }
 
 } // namespace
@@ -74,9 +76,23 @@ QString upgradeUrl(const ServerLogin &login)
 
 QString redactPassword(const QString &url)
 {
-    static const QRegularExpression password(QStringLiteral("([?&]p=)[^&\\s]*"));
+    // Everything after "p=" up to the next "&key=": a URL shown decoded may hold
+    // blanks or "&" of the password itself, and none of it may reach a log.
+    static const QRegularExpression password(QStringLiteral("([?&]p=)(?:(?!&[A-Za-z0-9_]+=).)*"));
     QString out = url;
     out.replace(password, QStringLiteral("\\1***"));
+    return out;
+}
+
+QString redactPassword(const QString &text, const QString &password)
+{
+    QString out = redactPassword(text);
+    if (password.isEmpty())
+        return out;
+    for (const QString &form : {password, urlEncode(password), QString::fromLatin1(QUrl::toPercentEncoding(password))}) {
+        if (!form.isEmpty())
+            out.replace(form, QStringLiteral("***"));
+    }
     return out;
 }
 
@@ -107,6 +123,20 @@ QByteArray buildMultipart(const QString &boundary, const QByteArray &data)
 
 HttpTransport::HttpTransport(int timeoutMs, const QString &proxy) : m_timeoutMs(timeoutMs), m_proxy(proxy.trimmed()) {}
 
+namespace {
+
+// Why an HTTP exchange failed, in words fit for a log.
+QString failureText(QNetworkReply &reply, int status)
+{
+    if (status >= 400 || (status > 0 && status < 200)) {
+        const QString phrase = reply.attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().left(60);
+        return getString(6040, QStringLiteral("The server answered HTTP %1 %2")).arg(status).arg(phrase).trimmed();
+    }
+    return redactPassword(reply.errorString());
+}
+
+} // namespace
+
 PostResult HttpTransport::post(const QString &url, const QByteArray &message)
 {
     PostResult result;
@@ -120,11 +150,34 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("multipart/form-data; boundary=") + boundary);
     request.setTransferTimeout(m_timeoutMs);
     QNetworkReply *reply = manager.post(request, buildMultipart(boundary, message));
+    // Qt Network holds no more than this unread; the rest waits in the socket.
+    reply->setReadBufferSize(1024 * 1024);
+
+    QByteArray body;
+    bool tooLarge = false;
+    const auto giveUpIfTooLarge = [&](qint64 size) {
+        if (size > MaxReplyBytes && !tooLarge) {
+            tooLarge = true;
+            reply->abort();
+        }
+    };
+    const auto readSome = [&] {
+        if (tooLarge || !reply->isOpen())
+            return;
+        body += reply->read(MaxReplyBytes + 1 - body.size());
+        giveUpIfTooLarge(body.size());
+    };
 
     QEventLoop loop;
     QTimer deadline;
     deadline.setSingleShot(true);
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, &loop, [&] {
+        const QVariant declared = reply->header(QNetworkRequest::ContentLengthHeader);
+        if (declared.isValid())
+            giveUpIfTooLarge(declared.toLongLong());
+    });
+    QObject::connect(reply, &QNetworkReply::readyRead, &loop, readSome);
     QObject::connect(&deadline, &QTimer::timeout, &loop, [&] {
         result.timedOut = true;
         reply->abort();
@@ -133,16 +186,21 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
     if (!reply->isFinished())
         loop.exec();
     deadline.stop();
+    readSome();
 
-    if (reply->error() == QNetworkReply::OperationCanceledError || reply->error() == QNetworkReply::TimeoutError)
+    result.httpStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (tooLarge) {
+        result.error = getString(6041, QStringLiteral("The server's reply is larger than 64 MiB."));
+    } else if (reply->error() == QNetworkReply::OperationCanceledError || reply->error() == QNetworkReply::TimeoutError) {
         result.timedOut = true;
-    if (reply->error() != QNetworkReply::NoError) {
         result.error = redactPassword(reply->errorString());
+    } else if (reply->error() != QNetworkReply::NoError || result.httpStatus < 200 || result.httpStatus > 299) {
+        result.error = failureText(*reply, result.httpStatus);
     } else {
         // A reply that is not UTF-8 is refused whole rather than read with
         // replacement characters that would then be stored as names.
         QStringDecoder decoder(QStringDecoder::Utf8);
-        result.reply = decoder.decode(reply->readAll());
+        result.reply = decoder.decode(std::exchange(body, QByteArray()));
         if (decoder.hasError()) {
             result.reply.clear();
             result.error = getString(6032, QStringLiteral("The server's reply is not valid UTF-8 text."));

@@ -323,15 +323,17 @@ private Q_SLOTS:
         QVERIFY(SynchLock::acquireLock(t.db(), now));
     }
 
-    void lockHeldElsewhereCountsAsSuccess()
+    void lockHeldElsewhereIsNoSuccessAndLeavesTheLock()
     {
         TestDatabase t;
         QVERIFY(SynchLock::acquireLock(t.db()));
         ScriptedTransport transport;
         Synch synch(t.db(), transport);
-        QVERIFY(synch.synchronise());
+        QVERIFY(!synch.synchronise());
         QVERIFY(synch.summary().locked);
+        QVERIFY(synch.summary().errors.value(0).contains(QLatin1String("another synchronisation holds the lock")));
         QVERIFY(transport.urls.isEmpty());
+        QCOMPARE(t.db().scalar(QStringLiteral("select count(*) from synchlock")).toInt(), 1);
     }
 
     void setupReplacesOnlyKnownTablesAndColumns()
