@@ -18,6 +18,10 @@ struct HttpLimits {
     // A connection that moves no byte for this long is closed; so is one whose
     // request head takes longer than this in all.
     int idleMs = 30 * 1000;
+    // Body bytes held across all connections; past largeBodyBudget only bodies
+    // under a MiB are still taken, so a few large senders cannot block the rest.
+    qint64 bodyBudget = 512LL * 1024 * 1024;
+    qint64 largeBodyBudget = 448LL * 1024 * 1024;
 };
 
 // One request as read off the wire.

@@ -249,7 +249,7 @@ bool HttpFront::holdBodyBytes(qint64 delta, qint64 bodySoFar)
         m_heldBodyBytes += delta;
         return true;
     }
-    const qint64 budget = bodySoFar > SmallBody ? LargeBodyBudget : BodyBudget;
+    const qint64 budget = bodySoFar > SmallBody ? m_limits.largeBodyBudget : m_limits.bodyBudget;
     if (m_heldBodyBytes + delta > budget)
         return false;
     m_heldBodyBytes += delta;

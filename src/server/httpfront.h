@@ -28,11 +28,6 @@ class StoreWorkers;
 // The fault switches of the store act here, on the wire.
 class HttpFront : public QObject, private HttpConnectionOwner {
 public:
-    // Body bytes held across all connections; past LargeBodyBudget only bodies
-    // under a MiB are still taken, so a few large senders cannot block the rest.
-    static constexpr qint64 BodyBudget = 512LL * 1024 * 1024;
-    static constexpr qint64 LargeBodyBudget = 448LL * 1024 * 1024;
-
     explicit HttpFront(const QString &storePath, QObject *parent = nullptr);
     ~HttpFront() override;
 

@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace fenlark {
@@ -121,17 +122,28 @@ QByteArray buildMultipart(const QString &boundary, const QByteArray &data)
     return body;
 }
 
-HttpTransport::HttpTransport(int timeoutMs, const QString &proxy) : m_timeoutMs(timeoutMs), m_proxy(proxy.trimmed()) {}
+HttpTransport::HttpTransport(int timeoutMs, const QString &proxy)
+    : m_timeoutMs(timeoutMs), m_manager(std::make_unique<QNetworkAccessManager>())
+{
+    if (!proxy.trimmed().isEmpty()) {
+        const QUrl proxyUrl = QUrl::fromUserInput(proxy.trimmed());
+        m_manager->setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, proxyUrl.host(), static_cast<quint16>(proxyUrl.port(8080))));
+    }
+}
+
+HttpTransport::~HttpTransport() = default;
 
 namespace {
 
 // Why an HTTP exchange failed, in words fit for a log.
 QString failureText(QNetworkReply &reply, int status)
 {
-    if (status >= 400 || (status > 0 && status < 200)) {
+    if (status > 0 && (status < 200 || status > 299)) {
         const QString phrase = reply.attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().left(60);
         return getString(6040, QStringLiteral("The server answered HTTP %1 %2")).arg(status).arg(phrase).trimmed();
     }
+    if (status > 0)
+        return getString(6045, QStringLiteral("The server's reply broke off: ")) + redactPassword(reply.errorString());
     return redactPassword(reply.errorString());
 }
 
@@ -140,16 +152,13 @@ QString failureText(QNetworkReply &reply, int status)
 PostResult HttpTransport::post(const QString &url, const QByteArray &message)
 {
     PostResult result;
-    QNetworkAccessManager manager;
-    if (!m_proxy.isEmpty()) {
-        const QUrl proxyUrl = QUrl::fromUserInput(m_proxy);
-        manager.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, proxyUrl.host(), static_cast<quint16>(proxyUrl.port(8080))));
-    }
     const QString boundary = newBoundary(message);
     QNetworkRequest request{QUrl(url)};
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("multipart/form-data; boundary=") + boundary);
     request.setTransferTimeout(m_timeoutMs);
-    QNetworkReply *reply = manager.post(request, buildMultipart(boundary, message));
+    // The message goes to the configured server or nowhere.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    QNetworkReply *reply = m_manager->post(request, buildMultipart(boundary, message));
     // Qt Network holds no more than this unread; the rest waits in the socket.
     reply->setReadBufferSize(1024 * 1024);
 
@@ -164,7 +173,8 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
     const auto readSome = [&] {
         if (tooLarge || !reply->isOpen())
             return;
-        body += reply->read(MaxReplyBytes + 1 - body.size());
+        // Asked for what is there only: read() sets aside as much as it is asked for.
+        body += reply->read(std::min(reply->bytesAvailable(), MaxReplyBytes + 1 - body.size()));
         giveUpIfTooLarge(body.size());
     };
 

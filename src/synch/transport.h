@@ -4,6 +4,10 @@
 #include <QDateTime>
 #include <QString>
 
+#include <memory>
+
+class QNetworkAccessManager;
+
 namespace fenlark {
 
 // The query-string form of a text: digits and ASCII letters stay, every other
@@ -73,11 +77,14 @@ public:
     static constexpr int DefaultTimeoutMs = 300 * 1000;
 
     explicit HttpTransport(int timeoutMs = DefaultTimeoutMs, const QString &proxy = {});
+    ~HttpTransport() override;
     PostResult post(const QString &url, const QByteArray &message) override;
 
 private:
     int m_timeoutMs;
-    QString m_proxy;
+    // One manager for the transport's life: the exchanges of a run share its
+    // connection to the server instead of opening one each.
+    std::unique_ptr<QNetworkAccessManager> m_manager;
 };
 
 } // namespace fenlark
