@@ -12,6 +12,9 @@ namespace {
 
 // What the socket reads ahead of the request being read; the rest waits in the kernel.
 constexpr qint64 SocketBufferBytes = 256 * 1024;
+// After a closing answer, how long and how much the client may still send.
+constexpr int LingerMs = 2000;
+constexpr qint64 MaxDrainBytes = 8 * 1024 * 1024;
 
 int hexValue(char c)
 {
@@ -125,6 +128,14 @@ void HttpConnection::touch()
 
 void HttpConnection::readMore()
 {
+    if (m_state == State::Closing) {
+        // What a refused client still sends is read and dropped, so that the close
+        // reaches it as an end and not as a reset that could swallow the answer.
+        m_drained += m_socket->skip(m_socket->bytesAvailable());
+        if (m_drained > MaxDrainBytes)
+            abort();
+        return;
+    }
     while (m_state == State::Head || m_state == State::Body) {
         if (m_state == State::Head) {
             const qint64 room = m_limits.maxHeaderBytes + 4 - m_in.size();
@@ -253,8 +264,7 @@ void HttpConnection::respond(const HttpResponse &response)
     releaseBody();
     write(response);
     if (response.close || !m_keepAlive) {
-        m_state = State::Closing;
-        m_socket->disconnectFromHost();
+        closeAfterAnswer();
         return;
     }
     m_state = State::Head;
@@ -276,8 +286,23 @@ void HttpConnection::refuse(int status, const QByteArray &text)
     response.body = text;
     response.close = true;
     write(response);
+    closeAfterAnswer();
+}
+
+void HttpConnection::closeAfterAnswer()
+{
     m_state = State::Closing;
-    m_socket->disconnectFromHost();
+    m_idle.stop();
+    m_headDeadline.stop();
+    const auto endSending = [this] {
+        if (m_socket->bytesToWrite() == 0)
+            ::shutdown(static_cast<int>(m_socket->socketDescriptor()), SHUT_WR);
+    };
+    connect(m_socket, &QTcpSocket::bytesWritten, this, endSending);
+    m_socket->flush();
+    endSending();
+    QTimer::singleShot(LingerMs, this, [this] { abort(); });
+    readMore();
 }
 
 void HttpConnection::write(const HttpResponse &response)

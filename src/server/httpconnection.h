@@ -87,6 +87,7 @@ private:
     void readBody();
     void requestDone();
     void refuse(int status, const QByteArray &text);
+    void closeAfterAnswer();
     void write(const HttpResponse &response);
     void touch();
     void closeNow();
@@ -103,6 +104,7 @@ private:
     qint64 m_bodyHeld = 0;     // body bytes counted with the owner
     bool m_keepAlive = true;
     bool m_closedReported = false;
+    qint64 m_drained = 0;
     QTimer m_idle;
     QTimer m_headDeadline;
     QElapsedTimer m_lastActivity;

@@ -7,6 +7,7 @@
 #include "synch/synch.h"
 #include "synch/transport.h"
 
+#include "support/databasedump.h"
 #include "support/testdatabase.h"
 
 #include <QProcess>
@@ -23,27 +24,9 @@ namespace {
 constexpr qint32 Bbid = 12345;
 const QString Password = QStringLiteral("s3cret");
 
-// Every row of every table, each value as SQLite quotes it: two databases with the
-// same dump hold the same data, byte for byte.
 QString dump(Database &db)
 {
-    QString out;
-    QStringList tables;
-    QSqlQuery t = db.query(QStringLiteral("select name from sqlite_master where type = 'table' order by name"));
-    while (t.next())
-        tables << t.value(0).toString();
-    t.finish();
-    for (const QString &table : tables) {
-        QStringList columns;
-        QSqlQuery c = db.query(QStringLiteral("select name from pragma_table_info(?)"), {table});
-        while (c.next())
-            columns << QStringLiteral("quote(\"%1\")").arg(c.value(0).toString());
-        c.finish();
-        QSqlQuery rows = db.query(QStringLiteral("select %1 from \"%2\" order by rowid").arg(columns.join(QStringLiteral("||','||")), table));
-        while (rows.next())
-            out += table + QLatin1Char(':') + rows.value(0).toString() + QLatin1Char('\n');
-    }
-    return out;
+    return dumpDatabase(db.connection());
 }
 
 // One change of a client, and every other entry of a reply around it.
