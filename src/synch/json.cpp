@@ -307,8 +307,8 @@ private:
 
 class Parser {
 public:
-    explicit Parser(const QString &text)
-        : m_text(text), m_data(reinterpret_cast<const char16_t *>(text.utf16())), m_size(text.size())
+    Parser(const QString &text, qsizetype maxValues)
+        : m_text(text), m_data(reinterpret_cast<const char16_t *>(text.utf16())), m_size(text.size()), m_maxValues(maxValues)
     {
     }
 
@@ -321,7 +321,7 @@ public:
             if (m_pos < m_size && at() == u'[')
                 return parseArray();
         } catch (const TooManyValues &) {
-            noteError(QStringLiteral("More than %1 values: the text is refused whole\r\n").arg(MaxValues));
+            noteError(QStringLiteral("More than %1 values: the text is refused whole\r\n").arg(m_maxValues));
             return JsonValue();
         }
         m_errors = QStringLiteral("Invalid JSON");
@@ -347,7 +347,7 @@ private:
 
     void countValue()
     {
-        if (++m_values > MaxValues)
+        if (++m_values > m_maxValues)
             throw TooManyValues{};
     }
 
@@ -736,6 +736,7 @@ private:
     const QString &m_text;
     const char16_t *m_data;
     qsizetype m_size;
+    qsizetype m_maxValues;
     qsizetype m_pos = 0;
     int m_depth = 0;
     qsizetype m_values = 0;
@@ -747,9 +748,9 @@ constexpr char HexDigits[] = "0123456789ABCDEF";
 
 } // namespace
 
-JsonValue parse(const QString &text, QString *errors)
+JsonValue parse(const QString &text, QString *errors, qsizetype maxValues)
 {
-    Parser parser(text);
+    Parser parser(text, maxValues);
     JsonValue result = parser.parseTop();
     if (errors)
         *errors = parser.errors();

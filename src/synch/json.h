@@ -128,7 +128,7 @@ constexpr qsizetype MaxErrorText = 4096;
 // is described in errors. A number must be whole and in 32 bits, or a finite
 // double written as one number ("1e999", "1.5.5e3" and "NaN" are failures).
 // Truncated or hostile text never loops, overruns or recurses without bound.
-JsonValue parse(const QString &text, QString *errors = nullptr);
+JsonValue parse(const QString &text, QString *errors = nullptr, qsizetype maxValues = MaxValues);
 
 // The text of a value: no white space, keys as they stand, pure ASCII with
 // upper-case \u escapes, the slash always escaped.
