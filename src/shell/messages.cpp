@@ -1,6 +1,7 @@
 #include "shell/messages.h"
 
 #include "shell/errorlog.h"
+#include "shell/strings.h"
 
 #include <cstdio>
 
@@ -37,7 +38,51 @@ MessageSink *&installed()
 
 } // namespace
 
+QString fillArguments(const QString &text, const QStringList &args)
+{
+    QString out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == QLatin1Char('%') && i + 1 < text.size() && text[i + 1].isDigit() && text[i + 1] != QLatin1Char('0')) {
+            qsizetype end = i + 1;
+            int n = 0;
+            while (end < text.size() && text[end].isDigit() && n < 10)
+                n = n * 10 + text[end++].digitValue();
+            if (n <= args.size()) {
+                out += args[n - 1];
+                i = end - 1;
+                continue;
+            }
+        }
+        out += text[i];
+    }
+    return out;
+}
+
 namespace messages {
+
+void showMessage(const UserMessage &message)
+{
+    if (message.kind == UserMessage::Critical)
+        ErrorLog::write(message.title + QStringLiteral(": ") + message.text);
+    sink().show(message);
+}
+
+void inform(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args)
+{
+    UserMessage message{UserMessage::Information, fillArguments(getString(id, english), args),
+                        titleId == 0 && titleEnglish.isEmpty() ? QString() : getString(titleId, titleEnglish)};
+    message.id = id;
+    sink().show(message);
+}
+
+bool ask(int id, const QString &english, int titleId, const QString &titleEnglish, bool defaultNo, const QStringList &args)
+{
+    UserMessage message{UserMessage::Question, fillArguments(getString(id, english), args),
+                        titleId == 0 && titleEnglish.isEmpty() ? QString() : getString(titleId, titleEnglish), defaultNo};
+    message.id = id;
+    return sink().ask(message);
+}
 
 void setSink(MessageSink *s)
 {
@@ -51,8 +96,7 @@ MessageSink &sink()
 
 void critical(const QString &text, const QString &title)
 {
-    ErrorLog::write(title + QStringLiteral(": ") + text);
-    sink().show({UserMessage::Critical, text, title});
+    showMessage({UserMessage::Critical, text, title});
 }
 
 void information(const QString &text, const QString &title)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace fenlark {
 
@@ -11,7 +12,12 @@ struct UserMessage {
     QString text;
     QString title;
     bool defaultNo = false;   // a question whose careless Enter must not agree
+    int id = 0;               // string id of the text, 0 for a text made on the spot
 };
+
+// %1, %2, ... of a text replaced by the arguments in one pass, so an argument
+// that itself holds "%1" stays as it was typed.
+QString fillArguments(const QString &text, const QStringList &args);
 
 // Where the core's messages go. The desk program shows them in dialogs,
 // fenlarkctl writes them to stderr, tests record them.
@@ -24,6 +30,13 @@ public:
 };
 
 namespace messages {
+// Shows a message through the installed sink; a critical one is also logged.
+void showMessage(const UserMessage &message);
+// A notice or question with its string ids (0 for a title-less message).
+void inform(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args = {});
+bool ask(int id, const QString &english, int titleId, const QString &titleEnglish, bool defaultNo = false,
+         const QStringList &args = {});
+
 // Installs the sink for this process (nullptr restores the stderr sink).
 void setSink(MessageSink *sink);
 MessageSink &sink();

@@ -31,4 +31,10 @@ std::unique_ptr<Database> Session::replaceDatabase(std::unique_ptr<Database> db,
     return db;
 }
 
+void Session::publish(const Changes &changes)
+{
+    if (m_listener && !changes.isEmpty())
+        m_listener->applyChanges(changes);
+}
+
 } // namespace fenlark

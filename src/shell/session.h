@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/calendar.h"
+#include "shell/changes.h"
 #include "shell/database.h"
 #include "shell/preferences.h"
 #include "shell/propertysetup.h"
@@ -49,6 +50,11 @@ public:
     QString getPreference(const QString &code) const { return m_preferences.get(code); }
     Calendar &calendar() { return m_calendar; }
 
+    // Tells the listener (the desk) what a write changed. Every screen hands the
+    // changes of the core's writes here; nothing else patches the calendar.
+    void setChangeListener(ChangeListener *listener) { m_listener = listener; }
+    void publish(const Changes &changes);
+
 private:
     std::unique_ptr<Database> m_db;
     int m_dbNumber = 0;
@@ -59,6 +65,7 @@ private:
     StatusColours m_statusColours;
     Preferences m_preferences;
     Calendar m_calendar;
+    ChangeListener *m_listener = nullptr;
 };
 
 } // namespace fenlark
