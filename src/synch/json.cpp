@@ -28,32 +28,97 @@ JsonValue JsonValue::empty()
     return v;
 }
 
-JsonValue::JsonValue(bool value) : m_kind(Boolean)
-{
-    m_number.boolean = value;
-}
-
-JsonValue::JsonValue(qint32 value) : m_kind(Integer)
-{
-    m_number.integer = value;
-}
-
-JsonValue::JsonValue(double value) : m_kind(Double)
-{
-    m_number.real = value;
-}
-
+JsonValue::JsonValue(bool value) : m_kind(Boolean), m_boolean(value) {}
+JsonValue::JsonValue(qint32 value) : m_kind(Integer), m_integer(value) {}
+JsonValue::JsonValue(double value) : m_kind(Double), m_real(value) {}
 JsonValue::JsonValue(const QString &text) : m_kind(Text), m_text(text) {}
 JsonValue::JsonValue(const char *text) : m_kind(Text), m_text(QString::fromUtf8(text)) {}
 
-JsonValue::JsonValue(const QDateTime &value) : m_kind(DateTime)
+JsonValue::JsonValue(const QDateTime &value)
+    : m_kind(DateTime), m_text(value.time() == QTime(0, 0) ? value.date().toString(QStringLiteral("yyyy-MM-dd"))
+                                                           : value.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
 {
-    m_text = value.time() == QTime(0, 0) ? value.date().toString(QStringLiteral("yyyy-MM-dd"))
-                                         : value.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 JsonValue::JsonValue(std::shared_ptr<JsonObject> object) : m_kind(Object), m_node(std::move(object)) {}
 JsonValue::JsonValue(std::shared_ptr<JsonArray> array) : m_kind(Array), m_node(std::move(array)) {}
+
+JsonValue::JsonValue(const JsonValue &other) : m_kind(other.m_kind)
+{
+    copyFrom(other);
+}
+
+JsonValue::JsonValue(JsonValue &&other) noexcept : m_kind(other.m_kind)
+{
+    moveFrom(other);
+}
+
+JsonValue &JsonValue::operator=(const JsonValue &other)
+{
+    if (this != &other) {
+        JsonValue copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+JsonValue &JsonValue::operator=(JsonValue &&other) noexcept
+{
+    if (this != &other) {
+        release();
+        m_kind = other.m_kind;
+        moveFrom(other);
+    }
+    return *this;
+}
+
+JsonValue::~JsonValue()
+{
+    release();
+}
+
+void JsonValue::copyNumber(const JsonValue &other) noexcept
+{
+    switch (m_kind) {
+    case Boolean: m_boolean = other.m_boolean; break;
+    case Integer: m_integer = other.m_integer; break;
+    case Double: m_real = other.m_real; break;
+    default: m_real = 0;
+    }
+}
+
+void JsonValue::copyFrom(const JsonValue &other)
+{
+    if (holdsText())
+        new (&m_text) QString(other.m_text);
+    else if (holdsNode())
+        new (&m_node) std::shared_ptr<void>(other.m_node);
+    else
+        copyNumber(other);
+}
+
+void JsonValue::moveFrom(JsonValue &other) noexcept
+{
+    if (holdsText())
+        new (&m_text) QString(std::move(other.m_text));
+    else if (holdsNode())
+        new (&m_node) std::shared_ptr<void>(std::move(other.m_node));
+    else
+        copyNumber(other);
+    other.release();
+    other.m_kind = Nothing;
+    other.m_real = 0;
+}
+
+void JsonValue::release() noexcept
+{
+    if (holdsText())
+        m_text.~QString();
+    else if (holdsNode())
+        m_node.~shared_ptr();
+    m_kind = Nothing;
+    m_real = 0;
+}
 
 JsonValue JsonValue::newObject()
 {
@@ -100,9 +165,9 @@ JsonValue JsonValue::fromVariant(const QVariant &value)
 bool JsonValue::toBool() const
 {
     switch (m_kind) {
-    case Boolean: return m_number.boolean;
-    case Integer: return m_number.integer != 0;
-    case Double: return m_number.real != 0;
+    case Boolean: return m_boolean;
+    case Integer: return m_integer != 0;
+    case Double: return m_real != 0;
     case Text: return m_text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0 || m_text == QLatin1String("1");
     default: return false;
     }
@@ -113,10 +178,10 @@ qint32 JsonValue::toInt(bool *ok) const
     bool good = true;
     qint32 result = 0;
     switch (m_kind) {
-    case Integer: result = m_number.integer; break;
-    case Boolean: result = m_number.boolean ? 1 : 0; break;
+    case Integer: result = m_integer; break;
+    case Boolean: result = m_boolean ? 1 : 0; break;
     case Double: {
-        const double d = m_number.real;
+        const double d = m_real;
         if (std::isfinite(d) && d >= std::numeric_limits<qint32>::min() && d <= std::numeric_limits<qint32>::max())
             result = static_cast<qint32>(std::llround(d));
         else
@@ -141,9 +206,9 @@ double JsonValue::toDouble(bool *ok) const
     bool good = true;
     double result = 0;
     switch (m_kind) {
-    case Integer: result = m_number.integer; break;
-    case Double: result = m_number.real; break;
-    case Boolean: result = m_number.boolean ? 1 : 0; break;
+    case Integer: result = m_integer; break;
+    case Double: result = m_real; break;
+    case Boolean: result = m_boolean ? 1 : 0; break;
     case Text: result = m_text.trimmed().toDouble(&good); break;
     default: good = false;
     }
@@ -174,9 +239,9 @@ QString JsonValue::toText() const
     switch (m_kind) {
     case Text:
     case DateTime: return m_text;
-    case Integer: return QString::number(m_number.integer);
-    case Double: return doubleText(m_number.real);
-    case Boolean: return m_number.boolean ? QStringLiteral("true") : QStringLiteral("false");
+    case Integer: return QString::number(m_integer);
+    case Double: return doubleText(m_real);
+    case Boolean: return m_boolean ? QStringLiteral("true") : QStringLiteral("false");
     default: return QString();
     }
 }
@@ -184,9 +249,9 @@ QString JsonValue::toText() const
 QVariant JsonValue::toVariant() const
 {
     switch (m_kind) {
-    case Integer: return m_number.integer;
-    case Double: return std::isfinite(m_number.real) ? QVariant(m_number.real) : QVariant(QMetaType(QMetaType::Double));
-    case Boolean: return m_number.boolean ? 1 : 0;
+    case Integer: return m_integer;
+    case Double: return std::isfinite(m_real) ? QVariant(m_real) : QVariant(QMetaType(QMetaType::Double));
+    case Boolean: return m_boolean ? 1 : 0;
     case Text:
     case DateTime: return m_text;
     case Null: return QVariant(QMetaType(QMetaType::QString));
@@ -479,6 +544,7 @@ private:
                 break;
             }
         }
+        object->squeeze();
         --m_depth;
         return result;
     }

@@ -35,7 +35,7 @@ public:
         Array,
     };
 
-    JsonValue() = default;
+    JsonValue() {}
     static JsonValue null();
     static JsonValue empty();
     JsonValue(bool value);
@@ -74,16 +74,31 @@ public:
     // Member of an object; Nothing when absent or not an object.
     JsonValue operator[](const QString &key) const;
 
+    JsonValue(const JsonValue &other);
+    JsonValue(JsonValue &&other) noexcept;
+    JsonValue &operator=(const JsonValue &other);
+    JsonValue &operator=(JsonValue &&other) noexcept;
+    ~JsonValue();
+
 private:
-    // Kept small: a server reply may hold millions of values.
+    bool holdsText() const { return m_kind == Text || m_kind == DateTime; }
+    bool holdsNode() const { return m_kind == Object || m_kind == Array; }
+    // Starts the member of other's kind (m_kind already set) as a copy or a move of it.
+    void copyFrom(const JsonValue &other);
+    void moveFrom(JsonValue &other) noexcept;
+    void copyNumber(const JsonValue &other) noexcept;
+    void release() noexcept;
+
+    // Kept to 32 bytes, as a server reply may hold millions of values: the kind
+    // tells which member of the union lives.
     Kind m_kind = Nothing;
     union {
-        bool boolean;
-        qint32 integer;
-        double real;
-    } m_number{};
-    QString m_text;                 // Text, and DateTime in its written form
-    std::shared_ptr<void> m_node;   // the JsonObject or JsonArray
+        bool m_boolean;
+        qint32 m_integer;
+        double m_real = 0;
+        QString m_text;                 // Text, and DateTime in its written form
+        std::shared_ptr<void> m_node;   // the JsonObject or JsonArray
+    };
 };
 
 // An object: keys are case-sensitive and keep the order in which they came. Small
@@ -101,6 +116,8 @@ public:
     bool isEmpty() const { return m_entries.empty(); }
     const std::vector<std::pair<QString, JsonValue>> &entries() const { return m_entries; }
     QStringList keys() const;
+    // Gives back the room kept for members yet to come.
+    void squeeze() { m_entries.shrink_to_fit(); }
 
 private:
     static constexpr int IndexFrom = 16;
@@ -117,7 +134,7 @@ namespace json {
 constexpr int MaxDepth = 256;
 // A text of more values than this is refused whole: no reply of the exchange comes
 // near it, and it keeps a hostile one (a 64 MiB "[0,0,0,...") within bounded memory.
-constexpr qsizetype MaxValues = 4'000'000;
+constexpr qsizetype MaxValues = 8'000'000;
 // The error text stops growing here; each error quotes at most a short excerpt.
 constexpr qsizetype MaxErrorText = 4096;
 

@@ -265,8 +265,17 @@ void ServerUpdateApplier::applyDailyRates(qint32 bookingKey, qint32 roomKey, con
 
 void ServerUpdateApplier::noteNewBooking(qint32 bookingKey)
 {
-    if (!m_db.scalar(QStringLiteral("select 1 from newbooking where BBBookingID = ?"), {bookingKey}).isValid())
-        m_db.execute(QStringLiteral("insert into newbooking (BBBookingID) values (?)"), {bookingKey});
+    // The list has no index and a large reply notes many bookings: it is read once.
+    if (!m_notedLoaded) {
+        QSqlQuery q = m_db.query(QStringLiteral("select BBBookingID from newbooking"));
+        while (q.next())
+            m_noted.insert(q.value(0).toInt());
+        m_notedLoaded = true;
+    }
+    if (m_noted.contains(bookingKey))
+        return;
+    m_db.execute(QStringLiteral("insert into newbooking (BBBookingID) values (?)"), {bookingKey});
+    m_noted.insert(bookingKey);
 }
 
 void ServerUpdateApplier::addAcknowledgement(const QString &table, qint32 logId, qint32 tableId, qint32 localId)

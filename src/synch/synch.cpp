@@ -16,6 +16,8 @@
 
 #include <QDir>
 
+#include <utility>
+
 namespace fenlark {
 
 namespace {
@@ -205,8 +207,9 @@ void Synch::exchange()
     progress(getString(6004, QStringLiteral("Sending data. ")) + QString::number(waiting)
              + getString(6005, QStringLiteral(" changes to go...")));
     const QString url = synchUrl(m_login, QStringLiteral("pcsynch"));
-    const PostResult posted = m_transport.post(url, m_message.toString().toLatin1());
-    m_reply = posted.ok ? posted.reply : QString();
+    PostResult posted = m_transport.post(url, m_message.toString().toLatin1());
+    // Held once only, and let go as soon as it is parsed: a reply may be 128 MiB of text.
+    m_reply = posted.ok ? std::exchange(posted.reply, QString()) : QString();
     m_previousReplyHash = m_replyHash;
     m_replyHash = qHash(m_reply);
     if (!posted.ok && posted.httpStatus > 0) {
@@ -239,11 +242,11 @@ void Synch::processReply()
     m_reply = QString(); // only its hash is kept, for the idle test
     m_acknowledgements.clear();
     m_requests.clear();
-    if (!reply.isObject()) {
+    if (!reply.isObject() && (parseErrors.isEmpty() || parseErrors == QLatin1String("Invalid JSON"))) {
         reportFailure(getString(6010, QStringLiteral("Nothing From Server")));
         return;
     }
-    if (!parseErrors.isEmpty()) {
+    if (!parseErrors.isEmpty() || !reply.isObject()) {
         // A reply that was cut or garbled is not applied in part.
         reportFailure(getString(6022, QStringLiteral("The server's reply could not be applied: ")) + parseErrors.left(200));
         return;

@@ -44,8 +44,9 @@ public:
     // Exchanges that make no progress in a row before the run gives up.
     static constexpr int MaxIdleExchanges = 3;
     // A reply with more entries than this in one of its lists is refused before
-    // anything is applied: the server sends a few hundred at a time.
-    static constexpr qsizetype MaxEntriesPerList = 50'000;
+    // anything is applied. The server sends a few hundred at a time; a reply at the
+    // 64 MiB limit holds some 200,000 rows, a hostile one of tiny entries millions.
+    static constexpr qsizetype MaxEntriesPerList = 250'000;
 
     Synch(Database &db, ServerTransport &transport);
 

@@ -173,7 +173,7 @@ private Q_SLOTS:
         QTest::newRow("duplicate JSON key") << httpAnswer("{\"success\":true,\"success\":false,\"data\":{}}") << "already associated";
         QTest::newRow("deep nesting") << httpAnswer("{\"success\":true,\"data\":" + QByteArray(5000, '[')) << "too deep";
         QTest::newRow("many small entries") << httpAnswer(exchangeReply("[" + QByteArray("{},").repeated(Synch::MaxEntriesPerList) + "{}]"))
-                                           << "more than 50000 entries";
+                                           << "more than 250000 entries";
         QTest::newRow("error reply") << httpAnswer("{\"success\":false,\"error\":{\"code\":7,\"message\":\"closed for the winter\"}}")
                                      << "closed for the winter";
 
