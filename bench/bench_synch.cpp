@@ -194,8 +194,8 @@ void BM_FullSynchPeakMemory(benchmark::State &state)
         Synch synch(*db, transport);
         synch.setLogin({QStringLiteral("127.0.0.1:%1").arg(server.port), bbid, password, 0, QString()});
         synch.setSkipSetup(true);
-        before = bench::residentMiB("VmRSS");
         bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
         if (!synch.synchronise() || synch.summary().acknowledged != rows)
             state.SkipWithError(("the synchronisation did not finish: " + synch.summary().errors.join(QLatin1Char(' ')).left(300).toUtf8()).constData());
     }
@@ -293,8 +293,8 @@ void BM_ApplyLargeReplyPeakMemory(benchmark::State &state)
         Synch synch(*db, transport);
         synch.setLogin({QStringLiteral("127.0.0.1:%1").arg(server.port), 12345, QStringLiteral("pw"), 0, QString()});
         synch.setSkipSetup(true);
-        before = bench::residentMiB("VmRSS");
         bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
         if (!synch.synchronise())
             state.SkipWithError(("the reply was not applied: " + synch.summary().errors.join(QLatin1Char(' ')).left(200).toUtf8()).constData());
         applied = synch.summary().received;
@@ -327,12 +327,12 @@ private:
 void BM_MillionSmallEntriesRefused(benchmark::State &state)
 {
     QString reply = QStringLiteral("{\"success\":true,\"data\":{\"logupdates\":[");
-    reply.reserve(64 * 1024 * 1024);
     for (int i = 1; i <= 1'000'000; ++i) {
         reply += QStringLiteral("{\"tablename\":\"client\",\"logtype\":\"D\",\"tableid\":%1}").arg(i);
         reply += i < 1'000'000 ? QLatin1Char(',') : QLatin1Char(']');
     }
     reply += QStringLiteral("}}");
+    reply.squeeze();
     FixedReply transport(reply);
     double before = 0;
     for (auto _ : state) {
@@ -342,8 +342,8 @@ void BM_MillionSmallEntriesRefused(benchmark::State &state)
         auto db = Database::open(dir.filePath(QStringLiteral("million.db")));
         Synch synch(*db, transport);
         synch.setSkipSetup(true);
-        before = bench::residentMiB("VmRSS");
         bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
         state.ResumeTiming();
         if (synch.synchronise())
             state.SkipWithError("a reply of a million entries was taken");
@@ -359,8 +359,8 @@ void BM_HostileArrayOfZeros(benchmark::State &state)
     QString reply = QStringLiteral("[") + QStringLiteral("0,").repeated(32 * 1024 * 1024 - 2) + QStringLiteral("0]");
     double before = 0;
     for (auto _ : state) {
-        before = bench::residentMiB("VmRSS");
         bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
         QString errors;
         if (!json::parse(reply, &errors).isNothing())
             state.SkipWithError("32 million values were taken");

@@ -3,6 +3,8 @@
 // The resident memory of this process, and its peak since the last resetPeak().
 #include <QFile>
 
+#include <malloc.h>
+
 namespace fenlark::bench {
 
 // "VmRSS" now, "VmHWM" the peak; in MiB.
@@ -18,9 +20,11 @@ inline double residentMiB(const char *field)
     return 0;
 }
 
-// Starts the peak again from what is resident now.
+// Gives freed memory back to the system, then starts the peak again from what is
+// resident now.
 inline void resetPeak()
 {
+    malloc_trim(0);
     QFile refs(QStringLiteral("/proc/self/clear_refs"));
     if (refs.open(QIODevice::WriteOnly))
         refs.write("5");
