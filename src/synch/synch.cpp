@@ -246,7 +246,7 @@ void Synch::processReply()
         reportFailure(getString(6010, QStringLiteral("Nothing From Server")));
         return;
     }
-    if (!parseErrors.isEmpty() || !reply.isObject()) {
+    if (!parseErrors.isEmpty()) {
         // A reply that was cut or garbled is not applied in part.
         reportFailure(getString(6022, QStringLiteral("The server's reply could not be applied: ")) + parseErrors.left(200));
         return;
