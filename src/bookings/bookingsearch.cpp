@@ -88,20 +88,19 @@ std::optional<KeyQuery> byNames(const BookingSearchCriteria &criteria)
         where += QStringLiteral(" and booking.Status = ?");
         values << status;
     }
-    const QString clients = QStringLiteral("client c") + (folded ? QStringLiteral(" join clientfold f on f.BBClientID = c.BBClientID")
-                                                                 : QString());
+    const QString fold = folded ? QStringLiteral(" join clientfold f on f.BBClientID = c.BBClientID") : QString();
     const QString routes[] = {
-        QStringLiteral("select booking.BBBookingID from booking join %1 on booking.MadeBy = c.BBClientID where 1 = 1"),
+        QStringLiteral("select booking.BBBookingID from booking join client c on booking.MadeBy = c.BBClientID"),
         QStringLiteral("select booking.BBBookingID from booking join guest on guest.BBBookingID = booking.BBBookingID "
-                       "join %1 on guest.BBClientID = c.BBClientID where 1 = 1"),
+                       "join client c on guest.BBClientID = c.BBClientID"),
         QStringLiteral("select booking.BBBookingID from booking join guest on guest.BBBookingID = booking.BBBookingID "
-                       "join %1 on guest.BBClient2ID = c.BBClientID where 1 = 1"),
+                       "join client c on guest.BBClient2ID = c.BBClientID"),
     };
     KeyQuery query;
     for (const QString &route : routes) {
         if (!query.sql.isEmpty())
             query.sql += QStringLiteral(" union ");
-        query.sql += route.arg(clients) + where;
+        query.sql += route + fold + QStringLiteral(" where 1 = 1") + where;
         query.values += values;
     }
     return query;

@@ -9,7 +9,6 @@
 #include "bookings/doublebookings.h"
 #include "bookings/newbooking.h"
 #include "bookings/roommoves.h"
-#include "desk/propertygenerator.h"
 #include "rates/ratedata.h"
 #include "rates/ratelists.h"
 #include "rates/ratescalculator.h"
@@ -18,7 +17,7 @@
 #include "shell/changelog.h"
 #include "shell/security.h"
 #include "shell/setuprecords.h"
-#include "support/testdatabase.h"
+#include "support/demodatabase.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -110,7 +109,7 @@ int roomsWithoutOneRatePerNight(Database &db)
 class TestBookingMaintenance : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<TestDatabase> m_test;
+    std::unique_ptr<DemoDatabase> m_test;
     RateData m_rates;
     BBSetup m_setup;
     UserStruct m_user = UserStruct::autoAdmin();
@@ -162,10 +161,9 @@ class TestBookingMaintenance : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_test = std::make_unique<TestDatabase>();
+        m_test = std::make_unique<DemoDatabase>();
         m_answers = Answers();
         m_user = UserStruct::autoAdmin();
-        PropertyGenerator(PropertyGenerator::demo()).generate(db());
         m_rates = RateData::load(db());
         m_setup.fetch(db());
     }
