@@ -330,6 +330,18 @@ void MainWindow::buildControls()
                 m_seams.checkInOut(*this, mode);
         }));
     }
+    connect(button(QStringLiteral("cmdSwapRoom")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.swapRoom)
+            m_seams.swapRoom(*this);
+    }));
+    connect(button(QStringLiteral("cmdSearch")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.search)
+            m_seams.search(*this);
+    }));
+    connect(button(QStringLiteral("cmdQuote")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.quickQuote)
+            m_seams.quickQuote(*this, m_inDate->date(), m_nights->text().toInt());
+    }));
     connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, guarded(this, &MainWindow::manualSynch));
     connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, guarded(this, &QWidget::close));
 }
@@ -393,6 +405,14 @@ void MainWindow::buildMenus()
         if (m_seams.doubleBookings && messages::ask(2299, ask, 2299, ask) && !checkDoubleBookings(false))
             endNicely();
     }));
+    connect(menuAction(QStringLiteral("m2Occupancy")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.occupancy)
+            m_seams.occupancy(*this);
+    }));
+    connect(menuAction(QStringLiteral("m2Cancellations")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.cancellations && !m_seams.cancellations(*this))
+            endNicely();
+    }));
     connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
     connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, guarded(this, &MainWindow::showAbout));
@@ -448,12 +468,12 @@ void MainWindow::setSeams(DeskSeams seams)
 
 void MainWindow::updateCommandStates()
 {
-    // Commands whose screens belong to work not yet connected stay visible but disabled.
-    static const char *notYetButtons[] = {"cmdQuote", "cmdSearch", "cmdSwapRoom"};
-    for (const char *name : notYetButtons)
-        button(QString::fromLatin1(name))->setEnabled(false);
+    // A command whose screen is not connected stays visible but disabled.
     button(QStringLiteral("cmdView"))->setEnabled(bool(m_seams.viewBooking));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdSearch"))->setEnabled(bool(m_seams.search));
+    button(QStringLiteral("cmdSwapRoom"))->setEnabled(bool(m_seams.swapRoom));
     button(QStringLiteral("cmdSynch"))->setEnabled(bool(m_seams.synchronise));
     button(QStringLiteral("cmdCheckIn"))->setEnabled(bool(m_seams.checkInOut));
     button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
@@ -469,6 +489,8 @@ void MainWindow::updateCommandStates()
     menuAction(QStringLiteral("m2SynchLD"))->setEnabled(bool(m_seams.synchronise));
     menuAction(QStringLiteral("m2SynchFull"))->setEnabled(bool(m_seams.emergencySynch));
     menuAction(QStringLiteral("m2DoubleBooking"))->setEnabled(bool(m_seams.doubleBookings));
+    menuAction(QStringLiteral("m2Occupancy"))->setEnabled(bool(m_seams.occupancy));
+    menuAction(QStringLiteral("m2Cancellations"))->setEnabled(bool(m_seams.cancellations));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 
@@ -541,6 +563,7 @@ void MainWindow::clearRoomList()
     m_rooms->clear();
     m_out->clear();
     button(QStringLiteral("cmdBook"))->setEnabled(false);
+    button(QStringLiteral("cmdQuote"))->setEnabled(false);
 }
 
 void MainWindow::inDateChanged()
@@ -672,6 +695,7 @@ void MainWindow::checkRooms()
     }
     m_out->setText(deskLocale().toString(from.addDays(nights), QStringLiteral("ddd dd MMM yyyy")));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
 }
 
 void MainWindow::book()
