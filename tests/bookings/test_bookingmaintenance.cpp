@@ -18,6 +18,8 @@
 #include "shell/security.h"
 #include "shell/setuprecords.h"
 #include "support/demodatabase.h"
+#include "synch/json.h"
+#include "synch/serverupdates.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -305,6 +307,26 @@ private Q_SLOTS:
         QVERIFY(CancelLog::deleteRecord(db(), CancelledTable::Booking, booking, "synch"));
         QCOMPARE(db().scalar("select count(*) from bookingdel where BBBookingID = ?", {booking}).toInt(), 1);
         QVERIFY(!CancelLog::deleteRecord(db(), CancelledTable::Guest, 99999, "synch"));
+    }
+
+    void aDeletionFromTheServerCopiesTheRoomAsTheDeskDoes()
+    {
+        const qint32 booking = book({1, 2});
+        const qint32 second = guestOf(booking, 2);
+        db().execute("update guest set GuestID = 9002, NoAdults = 3 where BBGuestID = ?", {second});
+        QVERIFY(cancelRoom(booking, 2)->cancelled);
+        QVERIFY(restore(second));
+        ServerUpdateApplier applier(db());
+        Transaction transaction(db());
+        applier.applyServerUpdates(*json::parse(QStringLiteral(
+            R"({"logupdates":[{"tablename":"guest","logtype":"D","dblogid":7,"tableid":9002}]})"))[QStringLiteral("logupdates")]
+                                        .array());
+        transaction.commit();
+        QCOMPARE(db().scalar("select count(*) from guestdel where BBGuestID = ?", {second}).toInt(), 1);
+        QCOMPARE(db().scalar("select deluser || ':' || NoAdults || ':' || BBRoomID from guestdel where BBGuestID = ?", {second})
+                     .toString(),
+                 QString("synch:3:2"));
+        QCOMPARE(guestOf(booking, 2), 0);
     }
 
     void restoresThatCannotBeDoneAreRefusedBeforeAnythingIsWritten()
