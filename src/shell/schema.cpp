@@ -274,6 +274,16 @@ const char *const Version4[] = {
     "drop index client_company",
 };
 
+// Version 5: the cancelled rooms are listed newest first and restored by key;
+// both tables grow for as long as the property takes bookings.
+const char *const Version5[] = {
+    "create index bookingdel_key on bookingdel (BBBookingID)",
+    "create index bookingdel_deldate on bookingdel (deldate)",
+    "create index guestdel_key on guestdel (BBGuestID)",
+    "create index guestdel_booking on guestdel (BBBookingID)",
+    "create index guestdel_deldate on guestdel (deldate)",
+};
+
 struct Migration {
     int version;
     const char *const *statements;
@@ -285,6 +295,7 @@ const Migration Migrations[] = {
     {2, Version2, std::size(Version2)},
     {3, Version3, std::size(Version3)},
     {4, Version4, std::size(Version4)},
+    {5, Version5, std::size(Version5)},
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "synch/serverupdates.h"
 
+#include "bookings/cancellog.h"
 #include "shell/database.h"
 #include "shell/money.h"
 
@@ -201,15 +202,9 @@ void ServerUpdateApplier::deleteBookingRecord(const QString &table, qint32 table
     const qint32 localKey = m_tables.serverToLocalId(table, tableId);
     if (localKey < 0)
         return; // already gone: no failure
-    if (!m_isLink) {
-        QStringList names;
-        for (const TableColumn &c : m_tables.columns(table))
-            names << c.name;
-        const QString list = names.join(QLatin1Char(','));
-        m_db.execute(QStringLiteral("insert into %1del (%2, deldate, deluser) select %2, ?, 'synch' from %1 where %3 = ?")
-                         .arg(table, list, SynchTables::localKey(table)),
-                     {sqlDateTime(QDateTime::currentDateTime()), localKey});
-    }
+    if (!m_isLink)
+        CancelLog::deleteRecord(m_db, table == QLatin1String("booking") ? CancelledTable::Booking : CancelledTable::Guest,
+                                localKey, QStringLiteral("synch"));
     if (table == QLatin1String("guest")) {
         m_db.execute(QStringLiteral("delete from dailyrate where BBBookingID = (select BBBookingID from guest where BBGuestID = ?) "
                                     "and BBRoomID = (select BBRoomID from guest where BBGuestID = ?)"),

@@ -6,6 +6,9 @@
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/newbooking.h"
+#include "bookings/screens/addroom.h"
+#include "bookings/screens/changerooms.h"
+#include "bookings/screens/viewrates.h"
 #include "bookings/screens/viewrooms.h"
 #include "bookings/staydates.h"
 #include "clients/clientrecords.h"
@@ -31,7 +34,6 @@
 #include <QGroupBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -90,6 +92,27 @@ ViewBooking::ViewBooking(Session &session, const RateData &rates, QWidget *paren
         dialog.exec();
         return dialog.selectedRoomid();
     };
+    choosers.changeRoom = [&session](QWidget *parent, qint32 bbBookingId, qint32 bbRoomId, QDate from, QDate to) {
+        ChangeRooms dialog(session, bbBookingId, bbRoomId, from, to, parent);
+        if (!dialog.initialise())
+            return bbRoomId;
+        dialog.exec();
+        return dialog.newRoomId();
+    };
+    choosers.addRoom = [&session, &rates](QWidget *parent, qint32 bbBookingId, qint32 bbRoomId) {
+        AddRoom dialog(session, rates, bbBookingId, bbRoomId, parent);
+        if (!dialog.initialise())
+            return 0;
+        dialog.exec();
+        return dialog.newRoomId();
+    };
+    choosers.rates = [&session, &rates](QWidget *parent, qint32 bbBookingId) {
+        ViewRates dialog(session, rates, bbBookingId, parent);
+        if (!dialog.initialise())
+            return false;
+        dialog.exec();
+        return dialog.ok();
+    };
     build();
 }
 
@@ -145,7 +168,8 @@ void ViewBooking::build()
     auto *viewRooms = button(QStringLiteral("cmdViewRooms"), getString(5871, QStringLiteral("View all rooms")), true);
     rooms->addWidget(changeRooms);
     rooms->addWidget(viewRooms);
-    rooms->addWidget(button(QStringLiteral("cmdAddRoom"), getString(5872, QStringLiteral("Add Room")), false));
+    auto *addRoom = button(QStringLiteral("cmdAddRoom"), getString(5872, QStringLiteral("Add Room")), true);
+    rooms->addWidget(addRoom);
     bf->addRow(getString(5873, QStringLiteral("Room")), rooms);
     lblSingleMulti = new QLabel(booking);
     lblSingleMulti->setObjectName(QStringLiteral("lblSingleMulti"));
@@ -195,7 +219,10 @@ void ViewBooking::build()
     auto *bookingButtons = new QHBoxLayout;
     auto *split = button(QStringLiteral("cmdSplit"), getString(5883, QStringLiteral("Split &Booking")), true);
     bookingButtons->addWidget(split);
-    bookingButtons->addWidget(button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), false));
+    auto *cancelBooking = button(QStringLiteral("cmdDelete"), getString(6590, QStringLiteral("Cancel B&ooking")), true);
+    auto *cancelRoom = button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), true);
+    bookingButtons->addWidget(cancelBooking);
+    bookingButtons->addWidget(cancelRoom);
     auto *print = button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), true);
     bookingButtons->addWidget(print);
     bf->addRow(bookingButtons);
@@ -261,7 +288,8 @@ void ViewBooking::build()
     af->addRow(getString(5900, QStringLiteral("Deposit")), deposit);
     auto *accountButtons = new QHBoxLayout;
     accountButtons->addWidget(button(QStringLiteral("cmdAccount"), getString(5901, QStringLiteral("Account")), false));
-    accountButtons->addWidget(button(QStringLiteral("cmdViewRates"), getString(5902, QStringLiteral("&View Rates")), false));
+    auto *viewRates = button(QStringLiteral("cmdViewRates"), getString(5902, QStringLiteral("&View Rates")), true);
+    accountButtons->addWidget(viewRates);
     af->addRow(accountButtons);
     right->addWidget(account);
 
@@ -281,6 +309,10 @@ void ViewBooking::build()
     connect(print, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdPrint));
     connect(changeRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdChangeRooms));
     connect(viewRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRooms));
+    connect(addRoom, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdAddRoom));
+    connect(cancelBooking, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdDelete));
+    connect(cancelRoom, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdDeleteRoom));
+    connect(viewRates, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRates));
     connect(calcDeposit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdCalcDeposit));
     connect(madeByChange, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeByChange));
     connect(guest1Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1Change));
@@ -299,8 +331,17 @@ void ViewBooking::build()
     connect(cboRateCode, &QComboBox::currentIndexChanged, this, guarded([this] { setDirty(); }));
     connect(txtNotes, &QPlainTextEdit::textChanged, this, guarded([this] { setDirty(); }));
     connect(dpReserved, &QDateTimeEdit::dateTimeChanged, this, guarded([this] { setDirty(); }));
-    connect(ckCheckedIn, &QCheckBox::toggled, this, guarded([this] { setDirty(); }));
-    connect(ckCheckedOut, &QCheckBox::toggled, this, guarded([this] { setDirty(); }));
+    // A room is checked in or checked out, never both: ticking one clears the other.
+    connect(ckCheckedIn, &QCheckBox::toggled, this, guarded([this](bool on) {
+        if (on)
+            ckCheckedOut->setChecked(false);
+        setDirty();
+    }));
+    connect(ckCheckedOut, &QCheckBox::toggled, this, guarded([this](bool on) {
+        if (on)
+            ckCheckedIn->setChecked(false);
+        setDirty();
+    }));
 }
 
 bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
@@ -506,6 +547,8 @@ bool ViewBooking::cmdSave()
     }
     m_session.publish(outcome->changes);
     load(m_edit.BBBookingID, m_edit.roomId);
+    if (outcome->reviewRates && choosers.rates(this, m_edit.BBBookingID))
+        refreshTotals();
     return true;
 }
 
@@ -528,33 +571,54 @@ void ViewBooking::cmdSplit()
 
 void ViewBooking::cmdChangeRooms()
 {
-    Session &session = m_session;
-    std::vector<qint32> all;
-    for (const Room &room : session.property().rooms())
-        all.push_back(room.BBRoomID);
-    QStringList names;
-    std::vector<qint32> ids;
-    for (qint32 id : freeRooms(session.db(), session.calendar(), all, dpFrom->date(), nightCount(dpFrom->date(), dpTo->date()))) {
-        ids.push_back(id);
-        names << session.property().RoomName(id);
-    }
-    if (ids.empty()) {
-        messages::inform(5943, QStringLiteral("No other room is free for these dates."), 5917, QStringLiteral("Change Room"));
-        return;
-    }
-    bool ok = false;
-    const QString chosen = QInputDialog::getItem(this, getString(5917, QStringLiteral("Change Room")),
-                                                 getString(5918, QStringLiteral("Free rooms for these dates:")), names, 0,
-                                                 false, &ok);
-    if (!ok)
-        return;
-    const qint32 room = ids[size_t(names.indexOf(chosen))];
-    if (room == m_edit.roomId)
+    const qint32 room = choosers.changeRoom(this, m_edit.BBBookingID, m_edit.roomId, dpFrom->date(), dpTo->date());
+    if (room == 0 || room == m_edit.roomId)
         return;
     m_edit.roomId = room;
     fillRates();
-    lblRoomName->setText(session.property().RoomName(room));
+    lblRoomName->setText(m_session.property().RoomName(room));
     m_dirty = true;
+}
+
+void ViewBooking::cmdAddRoom()
+{
+    if (!guard())
+        return;
+    const qint32 room = choosers.addRoom(this, m_edit.BBBookingID, m_edit.loadedRoomId);
+    if (room != 0)
+        load(m_edit.BBBookingID, room);
+}
+
+void ViewBooking::cmdViewRates()
+{
+    if (!guard())
+        return;
+    if (choosers.rates(this, m_edit.BBBookingID))
+        refreshTotals();
+}
+
+void ViewBooking::cancelled(const Result<CancelOutcome> &outcome)
+{
+    if (!outcome) {
+        messages::show(outcome.refusal());
+        return;
+    }
+    if (!outcome->cancelled)
+        return;
+    m_session.publish(outcome->changes);
+    m_dirty = false;
+    accept();
+}
+
+void ViewBooking::cmdDelete()
+{
+    cancelled(BookingCancel(m_session.db(), m_session.getUser()).cancelBooking(m_edit.BBBookingID, m_cancelQuestions));
+}
+
+void ViewBooking::cmdDeleteRoom()
+{
+    cancelled(BookingCancel(m_session.db(), m_session.getUser())
+                  .cancelRoom(m_edit.BBBookingID, m_edit.loadedRoomId, m_cancelQuestions));
 }
 
 void ViewBooking::cmdViewRooms()

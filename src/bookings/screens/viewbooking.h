@@ -1,6 +1,9 @@
 #pragma once
 
 #include "bookings/bookingsave.h"
+#include "bookings/cancellation.h"
+
+#include <QDate>
 
 #include <QDialog>
 
@@ -38,6 +41,13 @@ public:
         std::function<QString(QWidget *parent, const QString &typed)> source;
         // A leg of the booking (ViewRooms) by its room; 0 when none was picked.
         std::function<qint32(QWidget *parent, qint32 bbBookingId)> room;
+        // Another room for the leg over the dates on screen (ChangeRooms); the
+        // leg's own room when none was chosen.
+        std::function<qint32(QWidget *parent, qint32 bbBookingId, qint32 bbRoomId, QDate from, QDate to)> changeRoom;
+        // A room added to the booking (AddRoom); 0 when none was.
+        std::function<qint32(QWidget *parent, qint32 bbBookingId, qint32 bbRoomId)> addRoom;
+        // The booking's nightly rates (ViewRates); true when they were saved.
+        std::function<bool(QWidget *parent, qint32 bbBookingId)> rates;
     };
     Choosers choosers;
 
@@ -64,6 +74,11 @@ public Q_SLOTS:
     void cmdPrint();
     void cmdChangeRooms();
     void cmdViewRooms();
+    void cmdAddRoom();
+    // Cancels the whole booking, or only this room, and closes.
+    void cmdDelete();
+    void cmdDeleteRoom();
+    void cmdViewRates();
     void cmdCalcDeposit();
     void cmdExit();
     void cmdMadeByChange();
@@ -109,6 +124,7 @@ private:
     // Puts a client chosen through the chooser in slot; false when none or the same was chosen.
     bool changeClient(qint32 &slot);
     void emailToClipboard(qint32 clientId);
+    void cancelled(const Result<CancelOutcome> &outcome);
     void sourceChanged();
     void setDirty() { if (!m_loading) m_dirty = true; }
     QPushButton *button(const QString &name, const QString &text, bool enabled);
@@ -116,6 +132,7 @@ private:
     Session &m_session;
     const RateData &m_rates;
     MessageSaveQuestions m_questions;
+    MessageCancelQuestions m_cancelQuestions;
     BookingEdit m_edit;
     int m_statusIndex = 0;
     bool m_dirty = false;

@@ -1,9 +1,14 @@
 #include "desk/screens/deskstartuphost.h"
 
 #include "bookings/doublebookings.h"
+#include "bookings/screens/bookingsearchdialog.h"
+#include "bookings/screens/cancellations.h"
 #include "bookings/screens/checkinout.h"
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
+#include "bookings/screens/occupancydialog.h"
+#include "bookings/screens/quickquotedialog.h"
+#include "bookings/screens/roomswap.h"
 #include "bookings/screens/viewbooking.h"
 #include "reports/screens/reportlauncher.h"
 
@@ -112,6 +117,31 @@ DeskSeams standardSeams()
         ReportLauncher launcher(w.session(), &w);
         launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };
         launcher.run(number);
+    };
+    seams.swapRoom = [](MainWindow &w) {
+        RoomSwapDialog dialog(w.session(), &w);
+        dialog.exec();
+    };
+    seams.search = [](MainWindow &w) {
+        BookingSearchDialog dialog(w.session(), w.bookingOpener(), [&w](QDate from) { w.setFromDate(from); }, &w);
+        dialog.exec();
+    };
+    seams.quickQuote = [](MainWindow &w, QDate arrival, int nights) {
+        QuickQuoteDialog dialog(w.session(), w.rates(), arrival, nights, &w);
+        dialog.exec();
+    };
+    seams.occupancy = [](MainWindow &w) {
+        OccupancyDialog dialog(w.session(), w.rates(), &w);
+        dialog.exec();
+    };
+    seams.cancellations = [](MainWindow &w) {
+        {
+            Cancellations dialog(w.session(), w.rates(), &w);
+            dialog.fill();
+            dialog.exec();
+        }
+        // A restore may have put a guest in a room sold meanwhile.
+        return w.checkDoubleBookings(true);
     };
     return seams;
 }

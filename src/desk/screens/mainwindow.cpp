@@ -330,6 +330,18 @@ void MainWindow::buildControls()
                 m_seams.checkInOut(*this, mode);
         }));
     }
+    connect(button(QStringLiteral("cmdSwapRoom")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.swapRoom)
+            m_seams.swapRoom(*this);
+    }));
+    connect(button(QStringLiteral("cmdSearch")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.search)
+            m_seams.search(*this);
+    }));
+    connect(button(QStringLiteral("cmdQuote")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.quickQuote)
+            m_seams.quickQuote(*this, m_inDate->date(), m_nights->text().toInt());
+    }));
     connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, guarded(this, &MainWindow::manualSynch));
     connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, guarded(this, &QWidget::close));
 }
@@ -404,6 +416,14 @@ void MainWindow::buildMenus()
         if (m_seams.runReport)
             m_seams.runReport(*this, 4);
     }));
+    connect(menuAction(QStringLiteral("m2Occupancy")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.occupancy)
+            m_seams.occupancy(*this);
+    }));
+    connect(menuAction(QStringLiteral("m2Cancellations")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.cancellations && !m_seams.cancellations(*this))
+            endNicely();
+    }));
     connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
     connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, guarded(this, &MainWindow::showAbout));
@@ -459,12 +479,12 @@ void MainWindow::setSeams(DeskSeams seams)
 
 void MainWindow::updateCommandStates()
 {
-    // Commands whose screens belong to work not yet connected stay visible but disabled.
-    static const char *notYetButtons[] = {"cmdQuote", "cmdSearch", "cmdSwapRoom"};
-    for (const char *name : notYetButtons)
-        button(QString::fromLatin1(name))->setEnabled(false);
+    // A command whose screen is not connected stays visible but disabled.
     button(QStringLiteral("cmdView"))->setEnabled(bool(m_seams.viewBooking));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdSearch"))->setEnabled(bool(m_seams.search));
+    button(QStringLiteral("cmdSwapRoom"))->setEnabled(bool(m_seams.swapRoom));
     button(QStringLiteral("cmdSynch"))->setEnabled(bool(m_seams.synchronise));
     button(QStringLiteral("cmdCheckIn"))->setEnabled(bool(m_seams.checkInOut));
     button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
@@ -483,6 +503,8 @@ void MainWindow::updateCommandStates()
     for (int number = 1; number <= 12; ++number)
         menuAction(QStringLiteral("m2xl%1").arg(number))->setEnabled(bool(m_seams.runReport));
     menuAction(QStringLiteral("m2ClientReport"))->setEnabled(bool(m_seams.runReport));
+    menuAction(QStringLiteral("m2Occupancy"))->setEnabled(bool(m_seams.occupancy));
+    menuAction(QStringLiteral("m2Cancellations"))->setEnabled(bool(m_seams.cancellations));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 
@@ -555,6 +577,7 @@ void MainWindow::clearRoomList()
     m_rooms->clear();
     m_out->clear();
     button(QStringLiteral("cmdBook"))->setEnabled(false);
+    button(QStringLiteral("cmdQuote"))->setEnabled(false);
 }
 
 void MainWindow::inDateChanged()
@@ -686,6 +709,7 @@ void MainWindow::checkRooms()
     }
     m_out->setText(deskLocale().toString(from.addDays(nights), QStringLiteral("ddd dd MMM yyyy")));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
 }
 
 void MainWindow::book()

@@ -222,7 +222,13 @@ private Q_SLOTS:
 
         sink.answer = true;   // change all legs; look at the rates
         desk.published = Changes();
+        QList<qint32> ratesOpened;
+        editor.choosers.rates = [&ratesOpened](QWidget *, qint32 booking) {
+            ratesOpened << booking;
+            return false;
+        };
         QVERIFY(editor.cmdSave());
+        QCOMPARE(ratesOpened, QList<qint32>{id});
         QVERIFY(desk.published.bookings().contains(id));
         QVERIFY(!editor.isDirty());
         Booking head;

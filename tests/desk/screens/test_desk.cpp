@@ -206,6 +206,52 @@ private Q_SLOTS:
         QVERIFY(!window.isVisible());
     }
 
+    void theMaintenanceCommandsOpenTheirScreensThroughTheSeams()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        QStringList opened;
+        std::pair<QDate, int> quoted;
+        bool stay = true;
+        DeskSeams seams;
+        seams.swapRoom = [&](MainWindow &) { opened << "swap"; };
+        seams.search = [&](MainWindow &) { opened << "search"; };
+        seams.quickQuote = [&](MainWindow &, QDate arrival, int nights) {
+            opened << "quote";
+            quoted = {arrival, nights};
+        };
+        seams.occupancy = [&](MainWindow &) { opened << "occupancy"; };
+        seams.cancellations = [&](MainWindow &) {
+            opened << "cancellations";
+            return stay;
+        };
+        window.setSeams(seams);
+        window.show();
+        window.initialise();
+        for (const char *name : {"cmdSwapRoom", "cmdSearch"})
+            QVERIFY2(window.button(name)->isEnabled(), name);
+        QVERIFY(!window.button("cmdQuote")->isEnabled());   // no rooms listed yet
+        window.button("cmdSwapRoom")->click();
+        window.button("cmdSearch")->click();
+        window.menuAction("m2Occupancy")->trigger();
+        window.menuAction("m2Cancellations")->trigger();
+
+        // The quote starts from the new-booking panel's stay.
+        window.inDateEdit()->setDate(QDate::currentDate().addDays(20));
+        window.nightsEdit()->setText("3");
+        window.checkRooms();
+        QVERIFY(window.button("cmdQuote")->isEnabled());
+        window.button("cmdQuote")->click();
+        QCOMPARE(opened, (QStringList{"swap", "search", "occupancy", "cancellations", "quote"}));
+        QCOMPARE(quoted, std::make_pair(QDate::currentDate().addDays(20), 3));
+
+        // Leaving the program from the double-booking check after the list ends the desk.
+        QVERIFY(window.isVisible());
+        stay = false;
+        window.menuAction("m2Cancellations")->trigger();
+        QVERIFY(!window.isVisible());
+    }
+
     void aWriteComesBackToTheCalendarThroughOneRoad()
     {
         TestDatabase t;
