@@ -2,8 +2,11 @@
 
 #include "shell/record.h"
 
+#include <optional>
+
 namespace fenlark {
 
+class ClientTran;
 class Payment;
 
 // What a client owes for one or more bookings.
@@ -52,6 +55,17 @@ public:
     double Price = 0;
     qint32 BBStockID = 0;
     qint32 BBAccountID = 0;
+
+    // Extras that arrived with account 0 (from the server) get one: all such
+    // extras of the booking go to its account when the room bills on it, else
+    // only those of this room go to the room's account.
+    static void updateExtraWithAccount(Database &db, qint32 bookingId, qint32 bookingAccountId, qint32 guestId,
+                                       qint32 roomAccountId);
+    // The booking's extras that stand on oldAccountId move to newAccountId.
+    static void changeAccount(Database &db, qint32 oldAccountId, qint32 newAccountId, qint32 bookingId);
+    // Whether an extra of this room stands on another account than the room's
+    // effective one (its own account, or else its booking's).
+    static bool hasDifferentExtras(Database &db, qint32 guestId);
 };
 
 class Payment : public LocalRecord<Payment> {
@@ -70,6 +84,9 @@ public:
     QString PaymentType;
     QString Reference;
     double Amount = 0;
+
+    // The payment's "PMT" row in the ledger, if it has one.
+    std::optional<ClientTran> getClientTran(Database &db) const;
 };
 
 class ClientTran : public LocalRecord<ClientTran> {
@@ -89,6 +106,9 @@ public:
     double Amount = 0;   // positive is a debit
     double VAT = 0;
     bool Matched = false;
+
+    // The row of that type and number (the first made, should there be several).
+    bool fetchByTranNo(Database &db, const QString &tranType, qint32 tranNo);
 };
 
 class Invoice : public InsertOnlyRecord<Invoice> {
@@ -107,6 +127,9 @@ public:
     double Amount = 0;
     double VAT = 0;
     qint32 BBAccountID = 0;
+
+    // The invoice of that number (the first made, should there be several).
+    bool fetchByNumber(Database &db, qint32 invoiceNo);
 };
 
 class InvoiceItem : public LocalRecord<InvoiceItem> {
@@ -126,6 +149,11 @@ public:
     double Qty = 0;
     double Price = 0;
     qint16 VatCode = 0;
+
+    // What the line comes to: Qty x Price to the cent.
+    double lineTotal() const;
+    // The lines of an invoice, by date and then as written.
+    static std::vector<InvoiceItem> forInvoice(Database &db, qint32 invoiceId);
 };
 
 class CreditNote : public InsertOnlyRecord<CreditNote> {
@@ -141,6 +169,8 @@ public:
     QDateTime CreateDate;
     QString CreateUser;
     qint32 InvoiceNo = 0;
+
+    bool fetchByNumber(Database &db, qint32 creditNoteNo);
 };
 
 // An item the property sells (downloaded).
@@ -155,6 +185,11 @@ public:
     QString Active;
     double Price = 0;
     qint16 VatCode = 0;
+
+    // The items that can be chosen, by name.
+    static std::vector<Stock> fetchActive(Database &db);
+    // Every item, by name.
+    static std::vector<Stock> fetchAll(Database &db);
 };
 
 class VatCode : public KeyedUnloggedRecord<VatCode> {
@@ -164,7 +199,13 @@ public:
     static const std::vector<Column<VatCode>> &columns();
 
     qint16 Code = 0;   // the column VatCode
-    double VATRate = 0;
+    double VATRate = 0;   // percent: 14 is 14%
+
+    // The VAT within an amount that includes it: the rate's share of the amount,
+    // quotient first, then product, rounded to the cent; it keeps the amount's sign.
+    double calculateVAT(double amount) const;
+    // "Normal Rate" for code 1, "Zero Rated" for code 2, empty for any other.
+    QString getDescription() const;
 };
 
 } // namespace fenlark

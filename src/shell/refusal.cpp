@@ -33,7 +33,7 @@ QString Refusal::text() const
 
 QString Refusal::title() const
 {
-    return m_titleId == 0 && m_titleEnglish.isEmpty() ? QString() : getString(m_titleId, m_titleEnglish);
+    return m_titleId == 0 && m_titleEnglish.isEmpty() ? QString() : fillArguments(getString(m_titleId, m_titleEnglish), m_args);
 }
 
 UserMessage Refusal::toMessage() const

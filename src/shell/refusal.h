@@ -30,7 +30,8 @@ public:
     const QStringList &args() const { return m_args; }
     UserMessage::Kind kind() const { return m_kind; }
 
-    // The text and title in the current language, arguments filled in.
+    // The text and title in the current language, arguments filled in (a title
+    // may name them too: "No Payment %1").
     QString text() const;
     QString title() const;
     UserMessage toMessage() const;
