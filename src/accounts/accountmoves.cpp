@@ -36,7 +36,7 @@ Result<Changes> moveChecked(Database &db, const AccountItemRef &item, qint32 tar
         return cannotMove(6707, QStringLiteral("The item to move could not be found."));
     Account current;
     if (current.fetch(db, from) && current.Status != accountstatus::Open)
-        return cannotMove(6709, QStringLiteral("Cannot move item. This account is closed."));
+        return itemOnClosedAccount();
     Account target;
     if (!target.fetch(db, targetAccountId))
         return refusals::missingAccount(targetAccountId);
@@ -68,6 +68,11 @@ Result<Changes> moveChecked(Database &db, const AccountItemRef &item, qint32 tar
 }
 
 } // namespace
+
+Refusal itemOnClosedAccount()
+{
+    return cannotMove(6709, QStringLiteral("Cannot move item. This account is closed."));
+}
 
 QString describeItem(Database &db, const AccountItemRef &item)
 {

@@ -25,6 +25,9 @@ QString describeItem(Database &db, const AccountItemRef &item);
 // The account the item stands on; 0 when the item is missing.
 qint32 accountOfItem(Database &db, const AccountItemRef &item);
 
+// What is said when an item of a closed account is to move.
+Refusal itemOnClosedAccount();
+
 // An open account an item can move to, with what it already holds.
 struct OpenAccountChoice {
     qint32 accountId = 0;

@@ -14,12 +14,6 @@ namespace fenlark {
 
 namespace {
 
-Refusal noExtra(qint32 extraId)
-{
-    return Refusal(6658, QStringLiteral("Internal error: No such BBExtraID %1."), 6659, QStringLiteral("Could not fetch Extra"))
-        .arg(extraId);
-}
-
 Refusal noRoom(qint32 guestId)
 {
     return Refusal(6652, QStringLiteral("The room (guest ID %1) of this extra could not be found."), 6659,
@@ -81,6 +75,12 @@ Result<ExtraAccounts> extraAccounts(Database &db, qint32 guestId)
     return accounts;
 }
 
+Refusal noExtraFound(qint32 extraId)
+{
+    return Refusal(6658, QStringLiteral("Internal error: No such BBExtraID %1."), 6659, QStringLiteral("Could not fetch Extra"))
+        .arg(extraId);
+}
+
 Outcome canAddExtras(Database &db)
 {
     if (Stock::fetchActive(db).empty())
@@ -109,7 +109,7 @@ Result<ExtraSaved> saveExtra(Database &db, const ExtraInput &input, const UserSt
 
     Extra extra;
     if (input.extraId > 0 && !extra.fetch(db, input.extraId))
-        return noExtra(input.extraId);
+        return noExtraFound(input.extraId);
     const qint32 guestId = input.extraId > 0 ? extra.BBGuestID : input.guestId;
     auto accounts = extraAccounts(db, guestId);
     if (!accounts)
@@ -186,7 +186,7 @@ Result<Changes> deleteExtra(Database &db, qint32 extraId, const QString &reason,
         return refusals::permissionDenied();
     Extra extra;
     if (!extra.fetch(db, extraId))
-        return noExtra(extraId);
+        return noExtraFound(extraId);
     Account account;
     if (account.fetch(db, extra.BBAccountID) && account.Status != accountstatus::Open)
         return refusals::extraAccountClosed();

@@ -39,6 +39,8 @@ Result<ExtraAccounts> extraAccounts(Database &db, qint32 guestId);
 
 // Refused when no stock item can be chosen: extras cannot be added then.
 Outcome canAddExtras(Database &db);
+// What is said when an extra to change cannot be read.
+Refusal noExtraFound(qint32 extraId);
 
 // One extra as the form leaves it. Quantity and price are as typed.
 struct ExtraInput {

@@ -27,13 +27,6 @@ bool isKnown(const QString &code)
 
 namespace {
 
-Refusal noPayment(qint32 paymentId)
-{
-    return Refusal(6627, QStringLiteral("Internal error. No payment found for ID %1. Please call veldmoor on 021 555 0100."), 6628,
-                   QStringLiteral("No Payment %1"))
-        .arg(paymentId);
-}
-
 Refusal noTwin(qint32 paymentId)
 {
     return Refusal(6631, QStringLiteral("Invalid BBPaymentID offered in getClientTran: %1"), 6632,
@@ -111,7 +104,7 @@ Result<Changes> changePaymentReference(Database &db, qint32 paymentId, const QSt
 {
     Payment payment;
     if (!payment.fetch(db, paymentId))
-        return noPayment(paymentId);
+        return noPaymentFound(paymentId);
     const QString old = payment.Reference;
     Transaction transaction(db);
     payment.Reference = reference;
@@ -156,7 +149,7 @@ Result<bool> allocatePayment(Database &db, qint32 paymentId, qint32 accountId, c
 {
     Payment payment;
     if (!payment.fetch(db, paymentId))
-        return noPayment(paymentId);
+        return noPaymentFound(paymentId);
     auto twin = payment.getClientTran(db);
     if (!twin)
         return noTwin(paymentId);
@@ -196,6 +189,13 @@ Result<bool> allocatePayment(Database &db, qint32 paymentId, qint32 accountId, c
     audit(db, user, getString(6651, QStringLiteral("Payment ID %1 changed.")).arg(paymentId), detail.join(QStringLiteral(", ")));
     transaction.commit();
     return true;
+}
+
+Refusal noPaymentFound(qint32 paymentId)
+{
+    return Refusal(6627, QStringLiteral("Internal error. No payment found for ID %1. Please call veldmoor on 021 555 0100."), 6628,
+                   QStringLiteral("No Payment %1"))
+        .arg(paymentId);
 }
 
 double paymentsTotal(Database &db, qint32 accountId)

@@ -71,6 +71,9 @@ std::vector<AllocationChoice> allocationChoices(Database &db, qint32 clientId, c
 Result<bool> allocatePayment(Database &db, qint32 paymentId, qint32 accountId, const QString &reference,
                              const UserStruct &user);
 
+// What is said when a payment to change cannot be read.
+Refusal noPaymentFound(qint32 paymentId);
+
 // The sum of the payments on an account.
 double paymentsTotal(Database &db, qint32 accountId);
 

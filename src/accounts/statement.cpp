@@ -17,8 +17,8 @@ QString Statement::title() const
 
 QStringList Statement::headings()
 {
-    return {getString(6695, QStringLiteral("Date")),      getString(6696, QStringLiteral("Type")),
-            getString(6697, QStringLiteral("Tran No.")),  getString(6698, QStringLiteral("Reference")),
+    return {getString(6695, QStringLiteral("Date")),      getString(5626, QStringLiteral("Type")),
+            getString(6697, QStringLiteral("Tran No.")),  getString(5892, QStringLiteral("Reference")),
             getString(6699, QStringLiteral("DR Amount")), getString(6700, QStringLiteral("CR Amount")),
             getString(6701, QStringLiteral("Total"))};
 }
