@@ -23,7 +23,7 @@ Result<std::vector<AccountListRow>> searchAccounts(Database &db, const AccountSe
         bool ok = false;
         const int id = criteria.accountId.trimmed().toInt(&ok);
         if (!ok)
-            return Refusal(6692, QStringLiteral("The account ID must be a whole number."), 6693, QStringLiteral("Account search"));
+            return Refusal(6692, QStringLiteral("The account ID must be a whole number."), 6773, QStringLiteral("Account Search"));
         sql += QStringLiteral(" and account.bbaccountid = ?");
         values << id;
     }
