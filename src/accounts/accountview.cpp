@@ -25,8 +25,8 @@ std::optional<AccountSummary> loadAccountSummary(Database &db, qint32 accountId)
     // extras with their item and room names, however busy the account.
     QSqlQuery bookings = db.query(
         QStringLiteral("select booking.bbbookingid, booking.fromdate, client.firstname, client.surname, client.company, "
-                       "(select sum(dailyrate.roomrate) from guest, dailyrate where guest.bbbookingid = booking.bbbookingid "
-                       "and dailyrate.bbbookingid = guest.bbbookingid and dailyrate.bbroomid = guest.bbroomid) as total "
+                       "(select sum(dailyrate.roomrate) from dailyrate where dailyrate.bbbookingid = booking.bbbookingid "
+                       "and dailyrate.bbroomid in (select guest.bbroomid from guest where guest.bbbookingid = booking.bbbookingid)) as total "
                        "from booking left join client on booking.madeby = client.bbclientid "
                        "where booking.bbaccountid = ? order by booking.fromdate, booking.todate, booking.bbbookingid"),
         {accountId});

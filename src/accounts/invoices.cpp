@@ -62,8 +62,8 @@ InvoiceDraft draftInvoice(Database &db, qint32 accountId, const VatRules &vat)
     // A booking whose client is missing is still invoiced: its money must not vanish.
     QSqlQuery bookings = db.query(
         QStringLiteral("select booking.bbbookingid, booking.fromdate, client.surname, "
-                       "(select sum(dailyrate.roomrate) from guest, dailyrate where guest.bbbookingid = booking.bbbookingid "
-                       "and dailyrate.bbbookingid = guest.bbbookingid and dailyrate.bbroomid = guest.bbroomid) as total "
+                       "(select sum(dailyrate.roomrate) from dailyrate where dailyrate.bbbookingid = booking.bbbookingid "
+                       "and dailyrate.bbroomid in (select guest.bbroomid from guest where guest.bbbookingid = booking.bbbookingid)) as total "
                        "from booking left join client on booking.madeby = client.bbclientid "
                        "where booking.bbaccountid = ? order by booking.fromdate, booking.todate, booking.bbbookingid"),
         {accountId});

@@ -215,9 +215,9 @@ public:
         // Accommodation and extras on existing accounts, less every payment
         // (those on no account are the unallocated ones).
         const double accommodation =
-            m_db->scalar(QStringLiteral("select coalesce(sum(roomrate), 0) from booking, guest, dailyrate "
-                                        "where booking.bbbookingid = guest.bbbookingid and guest.bbbookingid = dailyrate.bbbookingid "
-                                        "and guest.bbroomid = dailyrate.bbroomid "
+            m_db->scalar(QStringLiteral("select coalesce(sum(dailyrate.roomrate), 0) from booking, dailyrate "
+                                        "where dailyrate.bbbookingid = booking.bbbookingid and dailyrate.bbroomid in "
+                                        "(select guest.bbroomid from guest where guest.bbbookingid = booking.bbbookingid) "
                                         "and booking.bbaccountid in (select bbaccountid from account)"))
                 .toDouble();
         const double extras = m_db->scalar(QStringLiteral("select coalesce(sum(qty * price), 0) from extra "
