@@ -1,7 +1,6 @@
 #include "accounts/accountrecords.h"
 
 #include "shell/money.h"
-#include "shell/strings.h"
 
 namespace fenlark {
 
@@ -119,14 +118,6 @@ const std::vector<Column<Stock>> &Stock::columns()
     return c;
 }
 
-const std::vector<Column<VatCode>> &VatCode::columns()
-{
-    static const std::vector<Column<VatCode>> c = {
-        {"VatCode", &VatCode::Code},
-        {"VATRate", &VatCode::VATRate},
-    };
-    return c;
-}
 
 namespace {
 
@@ -249,20 +240,6 @@ std::vector<Stock> Stock::fetchActive(Database &db)
 std::vector<Stock> Stock::fetchAll(Database &db)
 {
     return list(db, QStringLiteral("stockname"));
-}
-
-double VatCode::calculateVAT(double amount) const
-{
-    return roundMoney(VATRate / (VATRate + 100) * amount);
-}
-
-QString VatCode::getDescription() const
-{
-    if (Code == 1)
-        return getString(6600, QStringLiteral("Normal Rate"));
-    if (Code == 2)
-        return getString(6601, QStringLiteral("Zero Rated"));
-    return {};
 }
 
 } // namespace fenlark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/record.h"
+#include "shell/setuprecords.h"
 
 #include <optional>
 
@@ -190,22 +191,6 @@ public:
     static std::vector<Stock> fetchActive(Database &db);
     // Every item, by name.
     static std::vector<Stock> fetchAll(Database &db);
-};
-
-class VatCode : public KeyedUnloggedRecord<VatCode> {
-public:
-    static constexpr const char *Table = "vatcode";
-    static constexpr const char *Key = "VatCode";
-    static const std::vector<Column<VatCode>> &columns();
-
-    qint16 Code = 0;   // the column VatCode
-    double VATRate = 0;   // percent: 14 is 14%
-
-    // The VAT within an amount that includes it: the rate's share of the amount,
-    // quotient first, then product, rounded to the cent; it keeps the amount's sign.
-    double calculateVAT(double amount) const;
-    // "Normal Rate" for code 1, "Zero Rated" for code 2, empty for any other.
-    QString getDescription() const;
 };
 
 } // namespace fenlark

@@ -1,12 +1,28 @@
 #include "accounts/vat.h"
 
+#include "shell/money.h"
 #include "shell/setuprecords.h"
+#include "shell/strings.h"
 
 namespace fenlark {
 
 bool isVat(const BBSetup &setup)
 {
     return !setup.VatNo.trimmed().isEmpty();
+}
+
+double calculateVAT(const VatCode &code, double amount)
+{
+    return roundMoney(code.VATRate / (code.VATRate + 100) * amount);
+}
+
+QString getDescription(const VatCode &code)
+{
+    if (code.Code == 1)
+        return getString(6600, QStringLiteral("Normal Rate"));
+    if (code.Code == 2)
+        return getString(6601, QStringLiteral("Zero Rated"));
+    return {};
 }
 
 VatRules::VatRules(bool registered, QHash<qint16, VatCode> codes)
@@ -35,7 +51,7 @@ double VatRules::lineVAT(qint16 code, double amount) const
     if (!m_registered)
         return 0;
     const VatCode *vat = getVatCode(code);
-    return vat ? vat->calculateVAT(amount) : 0;
+    return vat ? calculateVAT(*vat, amount) : 0;
 }
 
 } // namespace fenlark

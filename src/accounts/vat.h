@@ -11,6 +11,13 @@ class BBSetup;
 // Whether the property charges VAT: it has a VAT number.
 bool isVat(const BBSetup &setup);
 
+// The VAT within an amount that includes it at that code's rate: the rate's
+// share of the amount, quotient first, then product, rounded to the cent; it
+// keeps the amount's sign.
+double calculateVAT(const VatCode &code, double amount);
+// "Normal Rate" for code 1, "Zero Rated" for code 2, empty for any other.
+QString getDescription(const VatCode &code);
+
 // The VAT codes and whether the property is VAT-registered: what every VAT
 // figure of the accounts is worked out from.
 class VatRules {

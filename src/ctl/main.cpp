@@ -43,7 +43,7 @@ int main(int argc, char *argv[])
     for (const Verb &v : verbs) {
         if (name == QLatin1String(v.name)) {
             try {
-                return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"), QStringLiteral("vat")}));
+                return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"), QStringLiteral("yes"), QStringLiteral("vat")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {

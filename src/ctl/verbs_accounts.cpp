@@ -29,11 +29,6 @@ namespace fenlark::ctl {
 
 namespace {
 
-int refuse(const Refusal &refusal)
-{
-    return fail(refusal.text());
-}
-
 QJsonValue date(const QDate &d)
 {
     return d.isValid() ? QJsonValue(d.toString(Qt::ISODate)) : QJsonValue();

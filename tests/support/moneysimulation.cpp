@@ -19,7 +19,7 @@
 #include "shell/home.h"
 #include "shell/messages.h"
 #include "shell/money.h"
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 #include "shell/security.h"
 #include "shell/setuprecords.h"
 #include "synch/json.h"

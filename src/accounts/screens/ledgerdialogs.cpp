@@ -82,7 +82,7 @@ bool ClientTranForm::eventFilter(QObject *watched, QEvent *event)
         if (const auto amount = parseAmount(txtAmount->text())) {
             const VatCode *code = m_session.property().getVatCode(VatRules::getDefaultVATCode());
             if (code)
-                txtVAT->setText(formatAmount(code->calculateVAT(*amount)));
+                txtVAT->setText(formatAmount(calculateVAT(*code, *amount)));
         }
     }
     return QDialog::eventFilter(watched, event);
