@@ -97,13 +97,13 @@ Result<ExtraSaved> saveExtra(Database &db, const ExtraInput &input, const UserSt
         return Refusal(6664, QStringLiteral("Please type in the quantity."), 6665, QStringLiteral("No quantity entered."));
     if (input.priceText.trimmed().isEmpty())
         return Refusal(6666, QStringLiteral("Please type in the item price."), 6667, QStringLiteral("No item price entered."));
-    const auto qty = parseAmount(input.qtyText);
+    const auto qty = parseAmount(input.qtyText, deskLocale());
     if (!qty)
         return refusals::notAnAmount(input.qtyText);
     if (*qty <= 0)
         return Refusal(6653, QStringLiteral("The quantity must be more than 0: enter a refund as a negative price."), 6654,
                        QStringLiteral("Invalid quantity"));
-    const auto price = parseAmount(input.priceText);
+    const auto price = parseAmount(input.priceText, deskLocale());
     if (!price)
         return refusals::notAnAmount(input.priceText);
 

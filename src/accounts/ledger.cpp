@@ -6,6 +6,7 @@
 #include "clients/clientrecords.h"
 #include "shell/amounttext.h"
 #include "shell/money.h"
+#include "shell/strings.h"
 #include "shell/security.h"
 
 namespace fenlark {
@@ -88,12 +89,12 @@ Result<LedgerEntryWritten> addLedgerEntry(Database &db, const LedgerEntry &entry
         return Refusal(6602, QStringLiteral("Unknown transaction type %1: use CRN, PMT or JNL."), 6605,
                        QStringLiteral("Invalid transaction type"))
             .arg(entry.tranType);
-    const auto amount = parseAmount(entry.amountText);
+    const auto amount = parseAmount(entry.amountText, deskLocale());
     if (!amount || roundMoney(*amount) == 0.0)
         return Refusal(6603, QStringLiteral("Please enter a valid amount."), 6604, QStringLiteral("Invalid amount"));
     const bool vatTyped = !entry.vatText.trimmed().isEmpty();
     if (vatTyped) {
-        const auto typedVat = parseAmount(entry.vatText);
+        const auto typedVat = parseAmount(entry.vatText, deskLocale());
         if (!typedVat)
             return refusals::notAnAmount(entry.vatText);
         if (*amount * *typedVat < 0)
@@ -167,7 +168,7 @@ Result<std::vector<LedgerListRow>> searchLedger(Database &db, const LedgerSearch
         values << search.reference + QLatin1Char('%');
     }
     if (!search.amount.trimmed().isEmpty()) {
-        const auto amount = parseAmount(search.amount);
+        const auto amount = parseAmount(search.amount, deskLocale());
         if (!amount)
             return refusals::notAnAmount(search.amount);
         sql += QStringLiteral(" and abs(clienttran.amount - ?) < 0.005");

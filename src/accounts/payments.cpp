@@ -66,7 +66,7 @@ Result<PaymentWritten> addPayment(Database &db, const NewPayment &request, const
 {
     if (request.amountText.trimmed().isEmpty())
         return Refusal(6623, QStringLiteral("Please type in an amount."), 6624, QStringLiteral("No amount entered."));
-    const auto amount = parseAmount(request.amountText);
+    const auto amount = parseAmount(request.amountText, deskLocale());
     if (!amount)
         return refusals::notAnAmount(request.amountText);
     if (roundMoney(*amount) == 0.0)

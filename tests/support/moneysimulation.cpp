@@ -100,9 +100,12 @@ public:
 
 class YesToAll : public SaveQuestions {
 public:
+    bool acceptOverLimit(const QString &, int, int, int, int) override { return true; }
+    bool acceptPastStart(const QDate &) override { return true; }
     bool changeAllLegs() override { return true; }
     bool changeLinkedBookings() override { return true; }
     bool checkRates() override { return false; }
+    bool repriceAtNewRoom(const QString &) override { return false; }
 };
 
 class FirstNumber : public FirstNumberPrompter {
@@ -262,7 +265,7 @@ private:
             request.BBClientID = *anyOf("select bbclientid from client order by bbclientid", rng);
         else
             request.surname = QStringLiteral("Guest%1").arg(rng.bounded(1000u));
-        return BookingWriter(*m_db, m_rates, m_setup, m_user).save(request).has_value();
+        return BookingWriter(*m_db, m_rates, m_setup, m_user).save(request, m_questions).ok();
     }
 
     bool moveDates(QRandomGenerator &rng)
@@ -276,7 +279,7 @@ private:
         const int shift = static_cast<int>(rng.bounded(7u)) - 3;
         edit->fromDate = edit->fromDate.addDays(shift);
         edit->toDate = std::max(edit->fromDate.addDays(1), edit->toDate.addDays(shift + static_cast<int>(rng.bounded(4u)) - 1));
-        return BookingSave(*m_db, m_rates, m_user, m_questions).save(*edit).has_value();
+        return BookingSave(*m_db, m_rates, m_setup, m_user, m_questions).save(*edit).ok();
     }
 
     bool changeRoom(QRandomGenerator &rng)
@@ -290,7 +293,7 @@ private:
         if (!edit)
             return false;
         edit->roomId = *anyOf("select bbroomid from room order by bbroomid", rng);
-        return BookingSave(*m_db, m_rates, m_user, m_questions).save(*edit).has_value();
+        return BookingSave(*m_db, m_rates, m_setup, m_user, m_questions).save(*edit).ok();
     }
 
     bool saveExtraStep(QRandomGenerator &rng, bool existing)

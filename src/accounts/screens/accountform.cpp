@@ -9,6 +9,7 @@
 #include "accounts/vat.h"
 #include "shell/config.h"
 #include "shell/money.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -155,18 +156,18 @@ AccountForm::AccountForm(Session &session, qint32 accountId, QWidget *parent)
     layout->addLayout(buttons);
     resize(760, 480);
 
-    connect(cmdInvoiceToButton, &QPushButton::clicked, this, &AccountForm::cmdInvoiceTo);
-    connect(cmdInvoiceToChangeButton, &QPushButton::clicked, this, &AccountForm::cmdInvoiceToChange);
-    connect(cmdProformaButton, &QPushButton::clicked, this, &AccountForm::cmdProforma);
-    connect(cmdProformaOpen, &QPushButton::clicked, this, [this] { hooks.openDocument(this, QStringLiteral("P"), m_accountId); });
-    connect(cmdInvoiceButton, &QPushButton::clicked, this, &AccountForm::cmdInvoice);
-    connect(cmdInvoiceOpen, &QPushButton::clicked, this, [this] { hooks.openDocument(this, QStringLiteral("I"), m_accountId); });
-    connect(cmdSaveReferenceButton, &QPushButton::clicked, this, &AccountForm::cmdSaveReference);
-    connect(cmdOpenCloseButton, &QPushButton::clicked, this, &AccountForm::cmdOpenClose);
-    connect(cmdPaymentsButton, &QPushButton::clicked, this, &AccountForm::cmdPayments);
-    connect(cmdCreditCardButton, &QPushButton::clicked, this, &AccountForm::cmdCreditCard);
+    connect(cmdInvoiceToButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoiceTo));
+    connect(cmdInvoiceToChangeButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoiceToChange));
+    connect(cmdProformaButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdProforma));
+    connect(cmdProformaOpen, &QPushButton::clicked, this, guarded([this] { hooks.openDocument(this, QStringLiteral("P"), m_accountId); }));
+    connect(cmdInvoiceButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoice));
+    connect(cmdInvoiceOpen, &QPushButton::clicked, this, guarded([this] { hooks.openDocument(this, QStringLiteral("I"), m_accountId); }));
+    connect(cmdSaveReferenceButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdSaveReference));
+    connect(cmdOpenCloseButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdOpenClose));
+    connect(cmdPaymentsButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdPayments));
+    connect(cmdCreditCardButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdCreditCard));
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
-    connect(gdItems, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { openItem(index.row()); });
+    connect(gdItems, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openItem(index.row()); }));
 }
 
 void AccountForm::initialise(Session &session, qint32 accountId, QWidget *parent)

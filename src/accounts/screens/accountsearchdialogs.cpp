@@ -3,6 +3,7 @@
 #include "accounts/accounts.h"
 #include "accounts/screens/accountform.h"
 #include "accounts/screens/accountwidgets.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -99,7 +100,7 @@ AccountsList::AccountsList(Session &session, AccountSearchCriteria criteria, QWi
     layout->addLayout(buttons);
     resize(620, 420);
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
-    connect(gdAccounts, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { openRow(index.row()); });
+    connect(gdAccounts, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
 }
 
 bool AccountsList::load()

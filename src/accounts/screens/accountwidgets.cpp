@@ -3,6 +3,8 @@
 #include "accounts/payments.h"
 #include "accounts/paymenttypes.h"
 #include "shell/amounttext.h"
+#include "shell/money.h"
+#include "shell/strings.h"
 #include "shell/textformat.h"
 
 #include <QComboBox>
@@ -27,8 +29,8 @@ public:
     {
         if (event->type() == QEvent::FocusIn)
             QTimer::singleShot(0, m_box, &QLineEdit::selectAll);
-        else if (event->type() == QEvent::FocusOut && m_money) {
-            if (const auto amount = parseAmount(m_box->text()))
+        else if (event->type() == QEvent::FocusOut && m_money && !m_box->text().trimmed().isEmpty()) {
+            if (const auto amount = parseAmount(m_box->text(), deskLocale()))
                 m_box->setText(formatAmount(*amount));
         }
         return QObject::eventFilter(watched, event);

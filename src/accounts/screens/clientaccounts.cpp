@@ -3,6 +3,7 @@
 #include "accounts/accountrecords.h"
 #include "clients/clientrecords.h"
 #include "clients/screens/clientsearchdialogs.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -60,10 +61,10 @@ ClientAccounts::ClientAccounts(Session &session, qint32 accountId, AccountItemRe
     exit->addWidget(cmdExit);
     layout->addLayout(exit);
 
-    connect(cboAccounts, &QComboBox::currentIndexChanged, this, &ClientAccounts::showItems);
-    connect(cmdAccountChangeButton, &QPushButton::clicked, this, &ClientAccounts::cmdAccountChange);
-    connect(cmdNewAccountButton, &QPushButton::clicked, this, &ClientAccounts::cmdNewAccount);
-    connect(cmdInvoiceToChangeButton, &QPushButton::clicked, this, &ClientAccounts::cmdInvoiceToChange);
+    connect(cboAccounts, &QComboBox::currentIndexChanged, this, guarded(this, &ClientAccounts::showItems));
+    connect(cmdAccountChangeButton, &QPushButton::clicked, this, guarded(this, &ClientAccounts::cmdAccountChange));
+    connect(cmdNewAccountButton, &QPushButton::clicked, this, guarded(this, &ClientAccounts::cmdNewAccount));
+    connect(cmdInvoiceToChangeButton, &QPushButton::clicked, this, guarded(this, &ClientAccounts::cmdInvoiceToChange));
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
     listAccounts(otherOpenAccounts(db, account.InvoiceTo, accountId));
 }

@@ -4,6 +4,8 @@
 #include "accounts/screens/accountwidgets.h"
 #include "clients/clientrecords.h"
 #include "shell/amounttext.h"
+#include "shell/money.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/security.h"
 #include "shell/session.h"
@@ -84,7 +86,7 @@ ExtraForm::ExtraForm(Session &session, qint32 guestId, qint32 extraId, QWidget *
     layout->addWidget(frmSpecialAccount);
     layout->addLayout(buttons);
 
-    connect(cmdSaveButton, &QPushButton::clicked, this, &ExtraForm::cmdSave);
+    connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &ExtraForm::cmdSave));
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
@@ -168,7 +170,7 @@ bool ExtraForm::eventFilter(QObject *watched, QEvent *event)
 {
     // An empty or zero price takes the chosen item's price.
     if (watched == txtPrice && event->type() == QEvent::FocusIn && cboStock->currentIndex() >= 0) {
-        const auto price = parseAmount(txtPrice->text());
+        const auto price = parseAmount(txtPrice->text(), deskLocale());
         if (!price || *price == 0)
             txtPrice->setText(formatAmount(m_stockPrices.value(cboStock->currentData().toInt())));
     }
@@ -191,7 +193,7 @@ void ExtraForm::cmdSave()
         const int id = saved.refusal().id();
         if (id == 6662)
             cboStock->setFocus();
-        else if (id == 6664 || id == 6653 || (id == 6620 && !parseAmount(txtQty->text())))
+        else if (id == 6664 || id == 6653 || (id == 6620 && !parseAmount(txtQty->text(), deskLocale())))
             txtQty->setFocus();
         else if (id == 6666 || id == 6620)
             txtPrice->setFocus();
@@ -240,10 +242,10 @@ Extras::Extras(Session &session, qint32 guestId, QWidget *parent)
     layout->addLayout(buttons);
     resize(640, 360);
 
-    connect(cmdAddButton, &QPushButton::clicked, this, &Extras::cmdAdd);
-    connect(cmdDeleteButton, &QPushButton::clicked, this, &Extras::cmdDelete);
+    connect(cmdAddButton, &QPushButton::clicked, this, guarded(this, &Extras::cmdAdd));
+    connect(cmdDeleteButton, &QPushButton::clicked, this, guarded(this, &Extras::cmdDelete));
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
-    connect(gdExtras, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { openRow(index.row()); });
+    connect(gdExtras, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
     fill();
 }
 

@@ -3,6 +3,8 @@
 #include "accounts/screens/accountwidgets.h"
 #include "accounts/vat.h"
 #include "shell/amounttext.h"
+#include "shell/money.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -59,8 +61,8 @@ ClientTranForm::ClientTranForm(Session &session, qint32 clientId, QWidget *paren
     layout->addLayout(form);
     layout->addLayout(buttons);
 
-    connect(cboTranType, &QComboBox::currentIndexChanged, this, &ClientTranForm::typeChanged);
-    connect(cmdSaveButton, &QPushButton::clicked, this, &ClientTranForm::cmdSave);
+    connect(cboTranType, &QComboBox::currentIndexChanged, this, guarded(this, &ClientTranForm::typeChanged));
+    connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &ClientTranForm::cmdSave));
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     typeChanged();
 }
@@ -78,8 +80,8 @@ void ClientTranForm::typeChanged()
 bool ClientTranForm::eventFilter(QObject *watched, QEvent *event)
 {
     // An empty VAT box offers the VAT within the amount at the default rate.
-    if (watched == txtVAT && event->type() == QEvent::FocusIn && txtVAT->text().isEmpty()) {
-        if (const auto amount = parseAmount(txtAmount->text())) {
+    if (watched == txtVAT && event->type() == QEvent::FocusIn && txtVAT->text().isEmpty() && !txtAmount->text().trimmed().isEmpty()) {
+        if (const auto amount = parseAmount(txtAmount->text(), deskLocale())) {
             const VatCode *code = m_session.property().getVatCode(VatRules::getDefaultVATCode());
             if (code)
                 txtVAT->setText(formatAmount(calculateVAT(*code, *amount)));
@@ -132,10 +134,10 @@ ClientTranList::ClientTranList(QWidget *parent)
     layout->addLayout(buttons);
     resize(760, 420);
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
-    connect(gdTransactions, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {
+    connect(gdTransactions, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) {
         if (editClient && index.isValid())
             editClient(this, m_model.row(index.row()).tran.BBClientID);
-    });
+    }));
 }
 
 void ClientTranList::setRows(std::vector<LedgerListRow> rows)

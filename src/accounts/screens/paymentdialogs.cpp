@@ -3,6 +3,7 @@
 #include "accounts/payments.h"
 #include "accounts/paymenttypes.h"
 #include "accounts/screens/accountwidgets.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -65,7 +66,7 @@ PaymentForm::PaymentForm(Session &session, qint32 accountId, qint32 paymentId, Q
     layout->addLayout(form);
     layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
 
-    connect(cmdSaveButton, &QPushButton::clicked, this, &PaymentForm::cmdSave);
+    connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &PaymentForm::cmdSave));
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
@@ -144,9 +145,9 @@ Payments::Payments(Session &session, qint32 accountId, QWidget *parent)
     layout->addLayout(buttonRow({cmdAdd}, {cmdExit}));
     resize(560, 320);
 
-    connect(cmdAdd, &QPushButton::clicked, this, &Payments::cmdAddPayment);
+    connect(cmdAdd, &QPushButton::clicked, this, guarded(this, &Payments::cmdAddPayment));
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
-    connect(gdPayment, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { openRow(index.row()); });
+    connect(gdPayment, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
     fill();
 }
 
@@ -197,7 +198,7 @@ PaymentTranEdit::PaymentTranEdit(Session &session, qint32 clientId, qint32 payme
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
-    connect(cmdSaveButton, &QPushButton::clicked, this, &PaymentTranEdit::cmdSave);
+    connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &PaymentTranEdit::cmdSave));
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 

@@ -1,4 +1,6 @@
 #include "accounts/payments.h"
+#include "bookings/screens/viewbooking.h"
+#include "rates/ratedata.h"
 #include "accounts/screens/accountform.h"
 #include "accounts/screens/accountsearchdialogs.h"
 #include "accounts/screens/clientaccounts.h"
@@ -89,6 +91,73 @@ class TestAccountScreens : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void anExtraAddedFromTheBookingEditorGoesOnTheRoomsAccount()
+    {
+        Desk d;
+        RecordingSink sink;
+        sink.answer = true;
+        const RateData rates = RateData::load(d.db());
+        ViewBooking editor(*d.session, rates);
+        QVERIFY(editor.load(d.booking.booking, 2));
+        qint32 extrasOf = 0;
+        editor.moneyScreens.extras = [&](QWidget *parent, qint32 guest) {
+            extrasOf = guest;
+            Extras extras(*d.session, guest, parent);
+            extras.extraForm = [&](QWidget *p, qint32 leg, qint32 extra) {
+                ExtraForm form(*d.session, leg, extra, p);
+                if (!form.load())
+                    return false;
+                form.cboStock->setCurrentIndex(form.cboStock->findText("Wine"));
+                form.txtQty->setText("1");
+                form.txtPrice->setText("180");
+                form.opGuestAccount->setChecked(true);   // on the room's own account
+                form.cmdSave();
+                return form.result() == QDialog::Accepted;
+            };
+            extras.cmdAdd();
+        };
+        QVERIFY(editor.findChild<QPushButton *>("cmdExtra")->isEnabled());
+        editor.cmdExtra();
+        QCOMPARE(extrasOf, d.booking.legs[1]);
+        // The editor now knows the room bills on an account of its own.
+        QVERIFY(editor.edit().legAccountId != d.booking.account);
+        QVERIFY(!editor.findChild<QLabel *>("lblDifferentAccount")->isHidden());
+        QVERIFY(sink.shown.isEmpty());
+
+        // No extras on a reserved booking.
+        d.db().execute("update booking set status = 'R'");
+        ViewBooking reserved(*d.session, rates);
+        QVERIFY(reserved.load(d.booking.booking, 1));
+        reserved.moneyScreens.extras = [&](QWidget *, qint32 guest) { extrasOf = guest; };
+        extrasOf = 0;
+        reserved.cmdExtra();
+        QCOMPARE(extrasOf, 0);
+        QCOMPARE(sink.shown.last().id, 6655);
+    }
+
+    void theEditorOffersPaidOnceTheAccountIsSettled()
+    {
+        Desk d;
+        RecordingSink sink;
+        sink.answer = true;
+        const RateData rates = RateData::load(d.db());
+        ViewBooking editor(*d.session, rates);
+        QVERIFY(editor.load(d.booking.booking, 1));
+        qint32 opened = 0;
+        editor.moneyScreens.account = [&](QWidget *, qint32 account) {
+            opened = account;
+            NewPayment paid;
+            paid.accountId = account;
+            paid.amountText = "400";
+            QVERIFY(addPayment(d.db(), paid, clerk()));
+        };
+        editor.cmdAccount();
+        QCOMPARE(opened, d.booking.account);
+        QCOMPARE(ids(sink.asked), QList<int>{6636});
+        QCOMPARE(editor.cboStatus->currentData().toString(), QString("S"));
+        QVERIFY(editor.isDirty());
+    }
+
     void theAccountScreenShowsItsItemsAndTotals()
     {
         Desk d;
