@@ -1,7 +1,7 @@
+#include "desk/propertygenerator.h"
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
 #include "rates/roomrates.h"
-#include "desk/propertygenerator.h"
 #include "shell/setuprecords.h"
 #include "support/testdatabase.h"
 

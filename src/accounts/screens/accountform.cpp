@@ -159,9 +159,9 @@ AccountForm::AccountForm(Session &session, qint32 accountId, QWidget *parent)
     connect(cmdInvoiceToButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoiceTo));
     connect(cmdInvoiceToChangeButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoiceToChange));
     connect(cmdProformaButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdProforma));
-    connect(cmdProformaOpen, &QPushButton::clicked, this, guarded([this] { hooks.openDocument(this, QStringLiteral("P"), m_accountId); }));
+    connect(cmdProformaOpen, &QPushButton::clicked, this, guarded([this] { hooks.openDocument(m_session, this, QStringLiteral("P"), m_accountId); }));
     connect(cmdInvoiceButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoice));
-    connect(cmdInvoiceOpen, &QPushButton::clicked, this, guarded([this] { hooks.openDocument(this, QStringLiteral("I"), m_accountId); }));
+    connect(cmdInvoiceOpen, &QPushButton::clicked, this, guarded([this] { hooks.openDocument(m_session, this, QStringLiteral("I"), m_accountId); }));
     connect(cmdSaveReferenceButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdSaveReference));
     connect(cmdOpenCloseButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdOpenClose));
     connect(cmdPaymentsButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdPayments));
@@ -229,7 +229,7 @@ void AccountForm::applyChanges(const Changes &changes)
 void AccountForm::print(const QString &type)
 {
     if (hooks.printDocument)
-        hooks.printDocument(this, type, m_accountId);
+        hooks.printDocument(m_session, this, type, m_accountId);
 }
 
 void AccountForm::cmdProforma()
@@ -356,7 +356,7 @@ void AccountForm::cmdInvoiceTo()
 {
     if (!hooks.editClient)
         return;
-    if (hooks.editClient(this, m_summary.account.InvoiceTo).ChangesMade)
+    if (hooks.editClient(m_session, this, m_summary.account.InvoiceTo).ChangesMade)
         reload();
 }
 
@@ -368,7 +368,7 @@ void AccountForm::cmdInvoiceToChange()
     qint32 client = chosen;
     // With the client editor at hand the choice is confirmed (or made) there.
     if (hooks.editClient) {
-        const ClientEditorOpener::Outcome outcome = hooks.editClient(this, chosen);
+        const ClientEditorOpener::Outcome outcome = hooks.editClient(m_session, this, chosen);
         if (!outcome.ChangesMade)
             return;
         client = outcome.NewClientID > 0 ? outcome.NewClientID : chosen;

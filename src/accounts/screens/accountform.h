@@ -24,11 +24,11 @@ class Session;
 // command off the screen.
 struct AccountDeskHooks {
     // The client editor on a client (0: a new one).
-    std::function<ClientEditorOpener::Outcome(QWidget *parent, qint32 clientId)> editClient;
-    // Makes the account's document ("P" pro forma, "I" invoice) and shows it.
-    std::function<void(QWidget *parent, const QString &type, qint32 accountId)> printDocument;
+    std::function<ClientEditorOpener::Outcome(Session &session, QWidget *parent, qint32 clientId)> editClient;
+    // Makes the account's document ("P" pro forma, "I" invoice) afresh and shows it.
+    std::function<void(Session &session, QWidget *parent, const QString &type, qint32 accountId)> printDocument;
     // Shows the account's document, making it first when it does not exist.
-    std::function<void(QWidget *parent, const QString &type, qint32 accountId)> openDocument;
+    std::function<void(Session &session, QWidget *parent, const QString &type, qint32 accountId)> openDocument;
 
     static void install(AccountDeskHooks hooks);
     static const AccountDeskHooks &installed();

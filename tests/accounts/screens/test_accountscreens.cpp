@@ -250,7 +250,7 @@ private Q_SLOTS:
         // With a printer installed the invoice is printed once made, and an
         // invoiced account offers the re-print.
         QStringList printed;
-        form.hooks.printDocument = [&](QWidget *, const QString &type, qint32) { printed << type; };
+        form.hooks.printDocument = [&](Session &, QWidget *, const QString &type, qint32) { printed << type; };
         form.cmdInvoice();
         QCOMPARE(form.txtInvoice->text(), QString("501"));
         QCOMPARE(printed, QStringList{"I"});
