@@ -25,7 +25,7 @@ QString getDescription(const VatCode &code)
     return {};
 }
 
-VatRules::VatRules(bool registered, QHash<qint16, VatCode> codes)
+VatRules::VatRules(bool registered, std::vector<VatCode> codes)
     : m_registered(registered), m_codes(std::move(codes))
 {
 }
@@ -34,16 +34,20 @@ VatRules VatRules::load(Database &db)
 {
     BBSetup setup;
     setup.fetch(db);
-    QHash<qint16, VatCode> codes;
-    for (const VatCode &code : VatCode::list(db, QStringLiteral("vatcode")))
-        codes.insert(code.Code, code);
+    std::vector<VatCode> codes;
+    QSqlQuery q = db.query(QStringLiteral("select * from vatcode order by vatcode"));
+    while (q.next())
+        codes.emplace_back().fillFields(q.record());
     return VatRules(fenlark::isVat(setup), std::move(codes));
 }
 
 const VatCode *VatRules::getVatCode(qint16 code) const
 {
-    const auto it = m_codes.constFind(code);
-    return it == m_codes.constEnd() ? nullptr : &it.value();
+    for (const VatCode &vat : m_codes) {
+        if (vat.Code == code)
+            return &vat;
+    }
+    return nullptr;
 }
 
 double VatRules::lineVAT(qint16 code, double amount) const

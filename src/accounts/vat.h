@@ -2,7 +2,7 @@
 
 #include "accounts/accountrecords.h"
 
-#include <QHash>
+#include <vector>
 
 namespace fenlark {
 
@@ -23,7 +23,7 @@ QString getDescription(const VatCode &code);
 class VatRules {
 public:
     VatRules() = default;
-    VatRules(bool registered, QHash<qint16, VatCode> codes);
+    VatRules(bool registered, std::vector<VatCode> codes);
     // The property's VAT number and its VAT codes, from the database.
     static VatRules load(Database &db);
 
@@ -39,7 +39,7 @@ public:
 
 private:
     bool m_registered = false;
-    QHash<qint16, VatCode> m_codes;
+    std::vector<VatCode> m_codes;   // a handful: looked through in order
 };
 
 } // namespace fenlark
