@@ -14,7 +14,8 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &accountsVerbs(), &synchVerbs(), &documentVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &accountsVerbs(), &synchVerbs(),
+                              &documentVerbs(), &reportVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }

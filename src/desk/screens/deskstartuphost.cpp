@@ -6,6 +6,7 @@
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewbooking.h"
+#include "reports/screens/reportlauncher.h"
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
@@ -16,6 +17,7 @@
 #include "synch/synchrun.h"
 
 #include <QApplication>
+#include <QUrl>
 
 namespace fenlark {
 
@@ -116,6 +118,11 @@ DeskSeams standardSeams()
     };
     seams.checkInOut = [](MainWindow &w, int mode) {
         CheckInOut::initialise(w.session(), mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, w.bookingOpener(), &w);
+    };
+    seams.runReport = [](MainWindow &w, int number) {
+        ReportLauncher launcher(w.session(), &w);
+        launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };
+        launcher.run(number);
     };
     return seams;
 }

@@ -47,6 +47,8 @@ struct DeskSeams {
     std::function<bool(MainWindow &, bool onStart)> doubleBookings;
     // Today's arrivals (mode 1) or departures.
     std::function<void(MainWindow &, int mode)> checkInOut;
+    // Report number 1 to 12: its permission, its criteria and the report.
+    std::function<void(MainWindow &, int number)> runReport;
 };
 
 // frmMain: the desk's main window. It owns the session and the rate data and is
