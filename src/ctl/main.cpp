@@ -15,7 +15,7 @@ std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
     for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &maintenanceVerbs(),
-                              &synchVerbs(), &documentVerbs(), &reportVerbs()})
+                              &accountsVerbs(), &synchVerbs(), &documentVerbs(), &reportVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
@@ -47,7 +47,7 @@ int main(int argc, char *argv[])
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
                                              QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
                                              QStringLiteral("out"), QStringLiteral("clear"), QStringLiteral("beds"),
-                                             QStringLiteral("text"), QStringLiteral("refresh")}));
+                                             QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {

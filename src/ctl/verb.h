@@ -24,6 +24,7 @@ const std::vector<Verb> &ratesVerbs();
 const std::vector<Verb> &recordsVerbs();
 const std::vector<Verb> &synchVerbs();
 const std::vector<Verb> &bookingVerbs();
+const std::vector<Verb> &accountsVerbs();
 const std::vector<Verb> &documentVerbs();
 const std::vector<Verb> &reportVerbs();
 const std::vector<Verb> &maintenanceVerbs();

@@ -2,6 +2,8 @@
 
 #include "accounts/accountrecords.h"
 #include "accounts/extraqueries.h"
+#include "accounts/screens/accountform.h"
+#include "accounts/screens/extrasdialogs.h"
 #include "bookings/bookingcodes.h"
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
@@ -113,6 +115,8 @@ ViewBooking::ViewBooking(Session &session, const RateData &rates, QWidget *paren
         dialog.exec();
         return dialog.ok();
     };
+    moneyScreens.account = [&session](QWidget *parent, qint32 accountId) { AccountForm::initialise(session, accountId, parent); };
+    moneyScreens.extras = [&session](QWidget *parent, qint32 guestId) { Extras::initialise(session, guestId, parent); };
     build();
 }
 
@@ -263,8 +267,10 @@ void ViewBooking::build()
     txtReference->setObjectName(QStringLiteral("txtReference"));
     gf->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
     auto *extras = new QHBoxLayout;
-    extras->addWidget(button(QStringLiteral("cmdExtra"), getString(5893, QStringLiteral("Add extra")), false));
-    extras->addWidget(button(QStringLiteral("cmdGuestAccount"), getString(5894, QStringLiteral("Room account")), false));
+    auto *extra = button(QStringLiteral("cmdExtra"), getString(5893, QStringLiteral("Add extra")), true);
+    auto *guestAccount = button(QStringLiteral("cmdGuestAccount"), getString(5894, QStringLiteral("Room account")), true);
+    extras->addWidget(extra);
+    extras->addWidget(guestAccount);
     gf->addRow(extras);
     lblDifferentAccount = new QLabel(getString(5895, QStringLiteral("This account is different from the booking account.")), guest);
     lblDifferentAccount->setObjectName(QStringLiteral("lblDifferentAccount"));
@@ -287,7 +293,8 @@ void ViewBooking::build()
     deposit->addWidget(calcDeposit);
     af->addRow(getString(5900, QStringLiteral("Deposit")), deposit);
     auto *accountButtons = new QHBoxLayout;
-    accountButtons->addWidget(button(QStringLiteral("cmdAccount"), getString(5901, QStringLiteral("Account")), false));
+    auto *accountButton = button(QStringLiteral("cmdAccount"), getString(5901, QStringLiteral("Account")), true);
+    accountButtons->addWidget(accountButton);
     auto *viewRates = button(QStringLiteral("cmdViewRates"), getString(5902, QStringLiteral("&View Rates")), true);
     accountButtons->addWidget(viewRates);
     af->addRow(accountButtons);
@@ -304,6 +311,9 @@ void ViewBooking::build()
     layout->addLayout(right);
 
     connect(save, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSave));
+    connect(extra, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdExtra));
+    connect(guestAccount, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuestAccount));
+    connect(accountButton, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdAccount));
     connect(exit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdExit));
     connect(split, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSplit));
     connect(print, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdPrint));
@@ -357,6 +367,11 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     }
     m_loading = true;
     m_edit = *edit;
+    Guest leg;
+    leg.fetchLeg(db, bbBookingId, bbRoomId);
+    m_guestId = leg.BBGuestID;
+    // Extras that came from the server without an account get one now.
+    Extra::updateExtraWithAccount(db, bbBookingId, m_edit.bookingAccountId, m_guestId, m_edit.legAccountId);
 
     cboStatus->clear();
     for (const StatusEntry &status : statusList(db))
@@ -394,11 +409,8 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     txtDeposit->setText(formatAmount(m_edit.deposit));
     txtNotes->setPlainText(m_edit.notes);
     txtReference->setText(m_edit.reference);
-    lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
     showNames();
-    Account account;
-    const bool hasAccount = account.fetch(db, m_edit.bookingAccountId);
-    outInvoiceTo->setText(hasAccount ? clientNameOf(db, account.InvoiceTo) : outMadeBy->text());
+    refreshAccounts();
     getNoNights();
     refreshTotals();
     m_dirty = false;
@@ -436,6 +448,71 @@ void ViewBooking::refreshTotals()
             for (const DailyRate &night : leg.nights)
                 total += night.RoomRate;
     lblTotal->setText(formatAmount(roundMoney(total)));
+}
+
+void ViewBooking::refreshAccounts()
+{
+    Database &db = m_session.db();
+    Booking head;
+    head.fetch(db, m_edit.BBBookingID);
+    Guest leg;
+    leg.fetch(db, m_guestId);
+    // The money screens may have moved the booking or the room to another account.
+    m_edit.bookingAccountId = head.BBAccountID;
+    m_edit.legAccountId = leg.BBAccountID == 0 ? head.BBAccountID : leg.BBAccountID;
+    lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
+    Account account;
+    const bool hasAccount = account.fetch(db, m_edit.bookingAccountId);
+    outInvoiceTo->setText(hasAccount ? clientNameOf(db, account.InvoiceTo) : outMadeBy->text());
+}
+
+void ViewBooking::cmdAccount()
+{
+    if (!guard())
+        return;
+    moneyScreens.account(this, m_edit.bookingAccountId);
+    refreshAccounts();
+    refreshTotals();
+    Database &db = m_session.db();
+    const auto selectStatus = [this](const char *code) {
+        const int at = cboStatus->findData(QString::fromLatin1(code));
+        if (at >= 0)
+            cboStatus->setCurrentIndex(at);
+        setDirty();
+    };
+    if (roundMoney(Account::getBalanceOnAccount(db, m_edit.bookingAccountId)) == 0.0
+        && cboStatus->currentData().toString() != QLatin1String("S")
+        && messages::ask(6636, QStringLiteral("This account has been settled in full. Would you like to mark this booking as 'Paid'?"), 6637,
+                         QStringLiteral("Mark booking as paid?")))
+        selectStatus("S");
+    const QString status = cboStatus->currentData().toString();
+    if ((status == QLatin1String("W") || status == QLatin1String("R") || status == QLatin1String("P"))
+        && Account::hasPayments(db, m_edit.bookingAccountId)
+        && messages::ask(6638, QStringLiteral("This account contains a payment. Would you like to mark this booking as 'Confirmed'?"), 6639,
+                         QStringLiteral("Mark booking as confirmed?")))
+        selectStatus("C");
+}
+
+void ViewBooking::cmdGuestAccount()
+{
+    if (!guard())
+        return;
+    moneyScreens.account(this, m_edit.legAccountId);
+    refreshAccounts();
+    refreshTotals();
+}
+
+void ViewBooking::cmdExtra()
+{
+    if (cboStatus->currentData().toString() == QLatin1String("R")) {
+        messages::inform(6655, QStringLiteral("Extras are not allowed on bookings that have status 'Reserved'. Change the status of the "
+                                              "booking if this is no longer required."),
+                         6693, QStringLiteral("Cannot add extra"));
+        return;
+    }
+    moneyScreens.extras(this, m_guestId);
+    refreshAccounts();
+    refreshTotals();
 }
 
 void ViewBooking::statusChanged(int index)

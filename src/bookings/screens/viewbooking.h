@@ -51,6 +51,15 @@ public:
     };
     Choosers choosers;
 
+    // The money screens the editor opens, modally unless replaced, as tests do.
+    struct MoneyScreens {
+        // The account screen on an account.
+        std::function<void(QWidget *parent, qint32 accountId)> account;
+        // The extras of one room (leg).
+        std::function<void(QWidget *parent, qint32 bbGuestId)> extras;
+    };
+    MoneyScreens moneyScreens;
+
     // Loads the leg and shows the dialog modally; says why and shows nothing
     // when the leg cannot be read.
     static void initialise(Session &session, const RateData &rates, qint32 bbBookingId, qint32 bbRoomId,
@@ -89,6 +98,9 @@ public Q_SLOTS:
     void cmdGuest1Email();
     void cmdGuest2Email();
     void cmdSources();
+    void cmdAccount();
+    void cmdGuestAccount();
+    void cmdExtra();
 
     // The parts, for tests.
 public:
@@ -118,6 +130,8 @@ private:
     void fillRates();
     void getNoNights();
     void refreshTotals();
+    // Reads the booking's and the leg's accounts again, with what shows them.
+    void refreshAccounts();
     // Takes the screen into the edit; false (after saying why) when an amount is not one.
     bool readScreen();
     void showNames();
@@ -134,6 +148,7 @@ private:
     MessageSaveQuestions m_questions;
     MessageCancelQuestions m_cancelQuestions;
     BookingEdit m_edit;
+    qint32 m_guestId = 0;
     int m_statusIndex = 0;
     bool m_dirty = false;
     bool m_loading = false;

@@ -1,5 +1,6 @@
 #include "desk/screens/deskstartuphost.h"
 
+#include "accounts/screens/accountform.h"
 #include "bookings/doublebookings.h"
 #include "bookings/screens/bookingsearchdialog.h"
 #include "bookings/screens/cancellations.h"
@@ -15,6 +16,7 @@
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
 #include "desk/screens/mainwindow.h"
+#include "reports/screens/accountdocuments.h"
 #include "synch/screens/dlgemergencysynch.h"
 #include "synch/screens/dlgsynch.h"
 #include "synch/synchrun.h"
@@ -27,11 +29,20 @@ namespace fenlark {
 DeskStartupHost::DeskStartupHost()
 {
     SecurityAudit::setPrompt(&m_reasonPrompt);
+    AccountDeskHooks documents;
+    documents.printDocument = [](Session &session, QWidget *, const QString &type, qint32 accountId) {
+        printAccountDocument(session, type, accountId, true, false);
+    };
+    documents.openDocument = [](Session &session, QWidget *, const QString &type, qint32 accountId) {
+        printAccountDocument(session, type, accountId, false, false);
+    };
+    AccountDeskHooks::install(std::move(documents));
 }
 
 DeskStartupHost::~DeskStartupHost()
 {
     SecurityAudit::setPrompt(nullptr);
+    AccountDeskHooks::install({});
 }
 
 void DeskStartupHost::askLanguage()

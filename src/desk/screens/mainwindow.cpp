@@ -1,6 +1,8 @@
 #include "desk/screens/mainwindow.h"
 
 #include "accounts/accountvalidator.h"
+#include "accounts/screens/accountsearchdialogs.h"
+#include "accounts/screens/ledgerdialogs.h"
 #include "desk/screens/deskstartuphost.h"
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
@@ -394,6 +396,10 @@ void MainWindow::buildMenus()
             guarded([this] { openFolder(config::invoiceDir(m_session->dbNumber())); }));
     connect(menuAction(QStringLiteral("m2vmfolder")), &QAction::triggered, this, guarded([this] { openFolder(Home::path()); }));
     connect(menuAction(QStringLiteral("m2AccountsCloseEmpty")), &QAction::triggered, this, guarded(this, &MainWindow::closeEmptyAccounts));
+    connect(menuAction(QStringLiteral("m2AccountsSearch")), &QAction::triggered, this,
+            guarded([this] { AccountsList::initialise(*m_session, this); }));
+    connect(menuAction(QStringLiteral("m2Transactions")), &QAction::triggered, this,
+            guarded([this] { ClientTranSearch::initialise(*m_session, this); }));
     connect(menuAction(QStringLiteral("m2Exit")), &QAction::triggered, this, guarded(this, &QWidget::close));
     connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, guarded(this, &MainWindow::manualSynch));
     connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, guarded([this] {
@@ -490,7 +496,8 @@ void MainWindow::updateCommandStates()
     button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
 
     static const char *activeActions[] = {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
-                                          "m2Exit", "m2Options", "m2About", "m2AccountsCloseEmpty"};
+                                          "m2Exit", "m2Options", "m2About", "m2AccountsCloseEmpty", "m2AccountsSearch",
+                                          "m2Transactions"};
     for (QAction *action : m_actions) {
         bool on = false;
         for (const char *name : activeActions)
