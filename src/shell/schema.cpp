@@ -242,6 +242,16 @@ const char *const Version3[] = {
     "create index creditnote_serverid on creditnote (CreditNoteID)",
 };
 
+// Version 4: the order in which the client editor lists extra fields ships with
+// the program (an extra of a type missing here is not shown, and the editor's
+// next save would drop it); and a client's history and retirement find the
+// rooms where the client was the second guest.
+const char *const Version4[] = {
+    R"(insert or ignore into clientxsort (fieldtype, orderby) values
+        ('P', 1), ('F', 2), ('C', 3), ('I', 4), ('N', 5), ('O', 6), ('T', 7), ('S', 8))",
+    "create index guest_client2 on guest (BBClient2ID)",
+};
+
 struct Migration {
     int version;
     const char *const *statements;
@@ -252,6 +262,7 @@ const Migration Migrations[] = {
     {1, Version1, std::size(Version1)},
     {2, Version2, std::size(Version2)},
     {3, Version3, std::size(Version3)},
+    {4, Version4, std::size(Version4)},
 };
 
 } // namespace
