@@ -14,7 +14,7 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &synchVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &clientVerbs(), &bookingVerbs(), &synchVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
@@ -43,7 +43,8 @@ int main(int argc, char *argv[])
     for (const Verb &v : verbs) {
         if (name == QLatin1String(v.name)) {
             try {
-                return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help")}));
+                return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
+                                            QStringLiteral("as-new")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {
