@@ -1,9 +1,8 @@
 #include "clients/clientretirement.h"
 
-#include "accounts/accountrecords.h"
-#include "bookings/bookingrecords.h"
 #include "clients/clientnames.h"
 #include "clients/clientrecords.h"
+#include "shell/changelog.h"
 #include "shell/database.h"
 #include "shell/messages.h"
 #include "shell/security.h"
@@ -16,30 +15,24 @@ namespace fenlark {
 
 namespace {
 
-std::vector<qint32> keys(Database &db, const QString &sql, qint32 clientId)
+// Moves one reference column from the retired client to the replacement and
+// logs every row it moved, so that each single move reaches the server. The
+// rows move in one statement: a client with years of bookings retires at once.
+// Table and column names come from this file only.
+int repoint(Database &db, const char *table, const char *key, const char *column, qint32 retiredId, qint32 replacementId)
 {
-    std::vector<qint32> found;
-    QSqlQuery q = db.query(sql, {clientId});
+    const QString name = QString::fromLatin1(table);
+    std::vector<qint32> moved;
+    QSqlQuery q = db.query(QStringLiteral("select %1 from %2 where %3 = ?").arg(QLatin1String(key), name, QLatin1String(column)),
+                           {retiredId});
     while (q.next())
-        found.push_back(q.value(0).toInt());
-    return found;
-}
-
-// Fetches each row through its record class, points it at the replacement and
-// writes it back, so the change log carries every single move to the server.
-template <class Record, class Member>
-int repoint(Database &db, const QString &sql, Member member, qint32 retiredId, qint32 replacementId)
-{
-    int moved = 0;
-    for (qint32 key : keys(db, sql, retiredId)) {
-        Record record;
-        if (!record.fetch(db, key))
-            continue;
-        record.*member = replacementId;
-        record.update(db);
-        ++moved;
-    }
-    return moved;
+        moved.push_back(q.value(0).toInt());
+    if (moved.empty())
+        return 0;
+    db.execute(QStringLiteral("update %1 set %2 = ? where %2 = ?").arg(name, QLatin1String(column)), {replacementId, retiredId});
+    for (qint32 row : moved)
+        ChangeLog::logUpdate(db, name, row);
+    return int(moved.size());
 }
 
 } // namespace
@@ -88,16 +81,11 @@ Result<ClientRetirement> retireClient(Database &db, const UserStruct &user, qint
     ClientRetirement result;
     RetireCounts &counts = result.counts;
     Transaction transaction(db);
-    counts.bookings = repoint<Booking>(db, QStringLiteral("select bbbookingid from booking where madeby = ?"), &Booking::MadeBy,
-                                       retiredId, replacementId);
-    counts.guests = repoint<Guest>(db, QStringLiteral("select bbguestid from guest where bbclientid = ?"), &Guest::BBClientID,
-                                   retiredId, replacementId);
-    counts.secondGuests = repoint<Guest>(db, QStringLiteral("select bbguestid from guest where bbclient2id > 0 and bbclient2id = ?"),
-                                         &Guest::BBClient2ID, retiredId, replacementId);
-    counts.accounts = repoint<Account>(db, QStringLiteral("select bbaccountid from account where invoiceto = ?"),
-                                       &Account::InvoiceTo, retiredId, replacementId);
-    counts.ledger = repoint<ClientTran>(db, QStringLiteral("select bbclienttranid from clienttran where bbclientid = ?"),
-                                        &ClientTran::BBClientID, retiredId, replacementId);
+    counts.bookings = repoint(db, "booking", "BBBookingID", "MadeBy", retiredId, replacementId);
+    counts.guests = repoint(db, "guest", "BBGuestID", "BBClientID", retiredId, replacementId);
+    counts.secondGuests = repoint(db, "guest", "BBGuestID", "BBClient2ID", retiredId, replacementId);
+    counts.accounts = repoint(db, "account", "BBAccountID", "InvoiceTo", retiredId, replacementId);
+    counts.ledger = repoint(db, "clienttran", "BBClientTranID", "BBClientID", retiredId, replacementId);
     retired.Active = QStringLiteral("N");
     retired.update(db);
 

@@ -250,6 +250,7 @@ const char *const Version4[] = {
     R"(insert or ignore into clientxsort (fieldtype, orderby) values
         ('P', 1), ('F', 2), ('C', 3), ('I', 4), ('N', 5), ('O', 6), ('T', 7), ('S', 8))",
     "create index guest_client2 on guest (BBClient2ID)",
+    "create index client_companylookup on client (Company collate nocase, PhoneNo, Add1)",
 };
 
 struct Migration {
