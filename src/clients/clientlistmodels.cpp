@@ -13,6 +13,9 @@ void ClientHistoryModel::setRows(std::vector<ClientHistoryRow> rows)
 {
     beginResetModel();
     m_rows = std::move(rows);
+    m_cells.clear();
+    for (const ClientHistoryRow &row : m_rows)
+        m_cells.push_back(row.cells());
     endResetModel();
 }
 
@@ -35,7 +38,7 @@ QVariant ClientHistoryModel::data(const QModelIndex &index, int role) const
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole)
         return {};
-    return m_rows[std::size_t(index.row())].cells().value(index.column());
+    return m_cells[std::size_t(index.row())].value(index.column());
 }
 
 QVariant ClientHistoryModel::headerData(int section, Qt::Orientation orientation, int role) const

@@ -25,6 +25,7 @@ public:
 
 private:
     std::vector<ClientHistoryRow> m_rows;
+    std::vector<QStringList> m_cells;   // the rows as shown, made once per filling
 };
 
 // The companies found: "Name", "Phone No.", "Address".
