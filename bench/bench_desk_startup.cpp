@@ -4,8 +4,8 @@
 #include "shell/config.h"
 #include "shell/database.h"
 #include "shell/home.h"
-#include "shell/screens/deskstartuphost.h"
-#include "shell/screens/mainwindow.h"
+#include "desk/screens/deskstartuphost.h"
+#include "desk/screens/mainwindow.h"
 #include "shell/startup.h"
 
 #include <QApplication>

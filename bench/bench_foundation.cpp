@@ -6,7 +6,7 @@
 #include "shell/config.h"
 #include "shell/database.h"
 #include "shell/home.h"
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 #include "shell/startup.h"
 
 #include <QCoreApplication>

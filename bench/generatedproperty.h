@@ -4,7 +4,7 @@
 // generated once per benchmark program into a temporary home folder.
 #include "shell/database.h"
 #include "shell/home.h"
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 
 #include <QTemporaryDir>
 

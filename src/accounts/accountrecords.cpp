@@ -116,13 +116,5 @@ const std::vector<Column<Stock>> &Stock::columns()
     return c;
 }
 
-const std::vector<Column<VatCode>> &VatCode::columns()
-{
-    static const std::vector<Column<VatCode>> c = {
-        {"VatCode", &VatCode::Code},
-        {"VATRate", &VatCode::VATRate},
-    };
-    return c;
-}
 
 } // namespace fenlark

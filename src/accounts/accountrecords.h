@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/record.h"
+#include "shell/setuprecords.h"
 
 namespace fenlark {
 
@@ -157,14 +158,5 @@ public:
     qint16 VatCode = 0;
 };
 
-class VatCode : public KeyedUnloggedRecord<VatCode> {
-public:
-    static constexpr const char *Table = "vatcode";
-    static constexpr const char *Key = "VatCode";
-    static const std::vector<Column<VatCode>> &columns();
-
-    qint16 Code = 0;   // the column VatCode
-    double VATRate = 0;
-};
 
 } // namespace fenlark

@@ -1,19 +1,19 @@
 #include "shell/databasefiles.h"
-#include "shell/demo.h"
+#include "desk/demo.h"
 #include "shell/errorlog.h"
 #include "shell/home.h"
-#include "shell/screens/deskstartuphost.h"
+#include "desk/screens/deskstartuphost.h"
 #include "shell/screens/dialogmessagesink.h"
+#include "shell/screens/guardedapplication.h"
 #include "shell/startup.h"
 #include "synch/demoserver.h"
 
-#include <QApplication>
 
 using namespace fenlark;
 
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
+    GuardedApplication app(argc, argv);
     QStringList args = app.arguments().mid(1);
     const QString home = Home::takeHomeArgument(args);
     const bool demo = args.contains(QStringLiteral("--demo"));

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "bookings/stayquestions.h"
+#include "shell/changes.h"
+#include "shell/refusal.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -9,6 +13,7 @@
 
 namespace fenlark {
 
+class BBSetup;
 class Database;
 class RateData;
 struct UserStruct;
@@ -60,68 +65,88 @@ struct BookingEdit {
 // booking's and the leg's accounts as they stand. Nothing when either is missing.
 std::optional<BookingEdit> loadBookingEdit(Database &db, qint32 bookingId, qint32 roomId);
 
-// A booking opened without an account gets the open account of the client who
-// made it, saved at once; the account's key.
+// A booking opened without an account, or whose account has gone, gets the open
+// account of the client who made it, saved at once; the account's key.
 qint32 ensureBookingAccount(Database &db, qint32 bookingId);
 
 // The questions a save asks on the way; the editor answers with Yes/No boxes,
 // fenlarkctl from its options. They are all asked before anything is written.
-class SaveQuestions {
+class SaveQuestions : public StayQuestions {
 public:
-    virtual ~SaveQuestions() = default;
     // Dates changed on a booking with other legs: change them all?
     virtual bool changeAllLegs() = 0;
     // The status changed and other bookings share the account: change them too?
     virtual bool changeLinkedBookings() = 0;
     // Dates, head count or rate code changed: look at the rates now?
     virtual bool checkRates() = 0;
+    // The leg moved into a room of another type: price its nights at the new
+    // room's rates?
+    virtual bool repriceAtNewRoom(const QString &roomName) = 0;
 };
 
 // The questions as Yes/No boxes through the installed message sink.
 class MessageSaveQuestions : public SaveQuestions {
 public:
+    bool acceptOverLimit(const QString &roomName, int adults, int people, int maxAdults, int maxOccupancy) override;
+    bool acceptPastStart(const QDate &fromDate) override;
     bool changeAllLegs() override;
     bool changeLinkedBookings() override;
     bool checkRates() override;
+    bool repriceAtNewRoom(const QString &roomName) override;
 };
 
 // The outcome of a save that went through.
 struct SaveOutcome {
     bool reviewRates = false;   // the user asked to see the rates
+    Changes changes;
+};
+
+// A split that went through: the booking broken off, each part with its deposit.
+struct SplitOutcome {
+    qint32 newBookingId = 0;
+    double oldDeposit = 0;
+    double newDeposit = 0;
+    Changes changes;
 };
 
 // Saving an edited booking leg: the checks that protect the calendar, the
 // questions, then the head, the linked heads, the leg and its nights in one
-// transaction, with the audit of date and room changes. A refused change shows
+// transaction, with the audit of date and room changes. A refused change says
 // why and writes nothing.
 class BookingSave {
 public:
-    BookingSave(Database &db, const RateData &rates, const UserStruct &user, SaveQuestions &questions);
+    BookingSave(Database &db, const RateData &rates, const BBSetup &setup, const UserStruct &user, SaveQuestions &questions);
 
-    // On success the stored values of edit take the screen's.
-    std::optional<SaveOutcome> save(BookingEdit &edit);
+    // On success the stored values of edit take the screen's. When the dates
+    // could not change for all legs, the edit's dates go back to the stored ones.
+    Result<SaveOutcome> save(BookingEdit &edit);
 
     // No other booking may hold any of the booking's rooms (the current leg's
     // on-screen room in place of its stored one) on the new dates.
-    bool checkDates(const BookingEdit &edit) const;
+    Outcome checkDates(const BookingEdit &edit) const;
     // No other booking may hold the new room on the screen's dates, nor may this
     // booking have a leg there already.
-    bool checkRoom(const BookingEdit &edit) const;
+    Outcome checkRoom(const BookingEdit &edit) const;
     // The other bookings whose status follows this one's: empty unless the
     // status changed, the booking has an account others share and the user agrees.
     std::vector<qint32> linkedBookings(const BookingEdit &edit) const;
 
-    // Splits the leg in that room off into a booking of its own; the new key, or
-    // nothing (after saying why) when the booking or leg is missing or the leg is
-    // the booking's only one.
-    std::optional<qint32> split(qint32 bookingId, qint32 roomId);
+    // Splits the leg in that room off into a booking of its own; each part asks
+    // the deposit its own total calls for. Refused when the booking or leg is
+    // missing or the leg is the booking's only one.
+    Result<SplitOutcome> split(qint32 bookingId, qint32 roomId);
 
 private:
-    bool saveBooking(BookingEdit &edit, const std::vector<qint32> &linked);
+    Outcome checkValues(const BookingEdit &edit) const;
+    Outcome askAboutLimits(const BookingEdit &edit) const;
+    Outcome saveBooking(BookingEdit &edit, const std::vector<qint32> &linked, bool repriceLeg);
     void adjustDailyRates(const BookingEdit &edit);
+    void repriceLeg(const BookingEdit &edit);
+    double bookingTotal(qint32 bookingId) const;
 
     Database &m_db;
     const RateData &m_rates;
+    const BBSetup &m_setup;
     const UserStruct &m_user;
     SaveQuestions &m_questions;
 };

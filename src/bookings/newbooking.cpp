@@ -5,9 +5,10 @@
 #include "bookings/staydates.h"
 #include "clients/clientnames.h"
 #include "clients/clientrecords.h"
+#include "rates/ratedata.h"
 #include "rates/raterecords.h"
 #include "rates/ratescalculator.h"
-#include "shell/calendar.h"
+#include "rates/roomrates.h"
 #include "shell/database.h"
 #include "shell/messages.h"
 #include "shell/money.h"
@@ -21,22 +22,48 @@ namespace fenlark {
 
 namespace {
 
-QString roomName(Database &db, qint32 roomId)
+QString roomName(const RateData &rates, qint32 roomId)
 {
-    Room room;
-    return room.fetch(db, roomId) ? room.RoomName : QString::number(roomId);
+    const Room *room = rates.room(roomId);
+    return room ? room->RoomName : QString::number(roomId);
+}
+
+StayRequest stayOf(const NewBookingRequest &request, const NewBookingRoom &room, qint32 BBRateSheetID)
+{
+    return {room.BBRoomID, room.BBRateID, BBRateSheetID, request.FromDate, request.ToDate, room.NoAdults, room.Child1, room.Child2};
+}
+
+qint32 rateSheetOf(Database &db, qint32 clientId)
+{
+    return clientId == 0 ? 0 : db.scalar(QStringLiteral("select BBRateSheetID from client where BBClientID = ?"), {clientId}).toInt();
 }
 
 } // namespace
 
 double calcDeposit(const BBSetup &setup, double total, int nights)
 {
-    if (total == 0)
-        messages::information(getString(5800, QStringLiteral("Click 'View Daily Rates' to add room rates for this booking.")),
-                              getString(5801, QStringLiteral("Rates not yet entered.")));
     if (setup.FullDeposit == QLatin1String("Y") && nights == 1)
         return total;
     return setup.DepositPct / 100.0 * total;
+}
+
+void tellRatesNotEntered()
+{
+    messages::inform(5800, QStringLiteral("Click 'View Daily Rates' to add room rates for this booking."), 5801,
+                     QStringLiteral("Rates not yet entered."));
+}
+
+NewBookingQuote quoteNewBooking(Database &db, const RateData &rates, const NewBookingRequest &request)
+{
+    const qint32 BBRateSheetID = rateSheetOf(db, request.BBClientID);
+    NewBookingQuote quote;
+    for (const NewBookingRoom &room : request.rooms) {
+        const StayPrice price = priceStay(rates, stayOf(request, room, BBRateSheetID));
+        quote.roomTotals.push_back(price.total);
+        quote.total += price.total;
+    }
+    quote.total = roundMoney(quote.total);
+    return quote;
 }
 
 qint16 defaultAdults(const QString &defUserPreference)
@@ -51,48 +78,64 @@ BookingWriter::BookingWriter(Database &db, const RateData &rates, const BBSetup 
 {
 }
 
-bool BookingWriter::validate(const NewBookingRequest &request) const
+Outcome BookingWriter::validate(const NewBookingRequest &request) const
 {
     if (request.BBClientID == 0
-        && (request.title + request.firstName + request.surname + request.company).trimmed().isEmpty()) {
-        messages::critical(getString(5802, QStringLiteral("You haven't typed in any name.")),
-                           getString(5803, QStringLiteral("Name cannot be blank.")));
-        return false;
-    }
-    if (request.rooms.empty()) {
-        messages::critical(getString(2276, QStringLiteral("You didn't pick a room.")),
-                           getString(2277, QStringLiteral("No room selected")));
-        return false;
-    }
-    if (nightCount(request.FromDate, request.ToDate) < 1) {
-        messages::critical(getString(2278, QStringLiteral("The number of nights must be greater than zero.")),
-                           getString(2279, QStringLiteral("Type in a positive number of nights")));
-        return false;
+        && (request.title + request.firstName + request.surname + request.company).trimmed().isEmpty())
+        return Refusal(5802, QStringLiteral("You haven't typed in any name."), 5803, QStringLiteral("Name cannot be blank."));
+    if (request.rooms.empty())
+        return Refusal(2276, QStringLiteral("You didn't pick a room."), 2277, QStringLiteral("No room selected"));
+    if (nightCount(request.FromDate, request.ToDate) < 1)
+        return Refusal(2278, QStringLiteral("The number of nights must be greater than zero."), 2279,
+                       QStringLiteral("Type in a positive number of nights"));
+    if (request.BBClientID != 0) {
+        Client client;
+        if (!client.fetch(m_db, request.BBClientID))
+            return Refusal(5808, QStringLiteral("The client %1 could not be found."), 5809, QStringLiteral("Client not found"))
+                .arg(request.BBClientID);
+        if (client.Active == QLatin1String("N"))
+            return Refusal(5974, QStringLiteral("The client %1 has been retired: book for the client it was merged into."),
+                           5809, QStringLiteral("Client not found"))
+                .arg(client.FullName());
     }
     QSet<qint32> seen;
     for (const NewBookingRoom &room : request.rooms) {
-        if (seen.contains(room.BBRoomID)) {
-            messages::critical(getString(5838, QStringLiteral("%1 is listed more than once: a booking holds one leg per room."))
-                                   .arg(roomName(m_db, room.BBRoomID)),
-                               getString(5839, QStringLiteral("Room listed twice")));
-            return false;
-        }
+        if (!m_rates.room(room.BBRoomID))
+            return Refusal(5975, QStringLiteral("There is no room %1."), 5976, QStringLiteral("Unknown room")).arg(room.BBRoomID);
+        if (seen.contains(room.BBRoomID))
+            return Refusal(5838, QStringLiteral("%1 is listed more than once: a booking holds one leg per room."), 5839,
+                           QStringLiteral("Room listed twice"))
+                .arg(roomName(m_rates, room.BBRoomID));
         seen.insert(room.BBRoomID);
-        if (!clashingBookings(m_db, room.BBRoomID, request.FromDate, request.ToDate).empty()) {
-            messages::critical(getString(5836, QStringLiteral("%1 has been taken for those dates since it was "
-                                                              "chosen. Pick the rooms again."))
-                                   .arg(roomName(m_db, room.BBRoomID)),
-                               getString(5837, QStringLiteral("Room no longer free")));
-            return false;
+        if (room.BBRateID != 0) {
+            const std::vector<qint32> offered = getRoomRates(m_rates, request.FromDate, request.ToDate, room.BBRoomID);
+            if (std::find(offered.begin(), offered.end(), room.BBRateID) == offered.end())
+                return Refusal(5977, QStringLiteral("The rate %1 is not offered for %2 on these dates."), 5978,
+                               QStringLiteral("Rate not offered"))
+                    .arg(room.BBRateID)
+                    .arg(roomName(m_rates, room.BBRoomID));
         }
+        if (room.NoAdults < 0 || room.Child1 < 0 || room.Child2 < 0)
+            return Refusal(5979, QStringLiteral("The number of people in %1 cannot be negative."), 5980,
+                           QStringLiteral("Incorrect number of people"))
+                .arg(roomName(m_rates, room.BBRoomID));
+        if (!clashingBookings(m_db, room.BBRoomID, request.FromDate, request.ToDate).empty())
+            return Refusal(5836, QStringLiteral("%1 has been taken for those dates since it was chosen. Pick the rooms again."),
+                           5837, QStringLiteral("Room no longer free"))
+                .arg(roomName(m_rates, room.BBRoomID));
     }
-    return true;
+    return Done{};
 }
 
-std::optional<NewBookingResult> BookingWriter::save(const NewBookingRequest &request, Calendar *calendar)
+Result<NewBookingResult> BookingWriter::save(const NewBookingRequest &request, StayQuestions &questions)
 {
-    if (!validate(request))
-        return std::nullopt;
+    if (Outcome valid = validate(request); !valid)
+        return valid.refusal();
+    for (const NewBookingRoom &room : request.rooms)
+        if (Outcome asked = checkRoomLimits(m_rates, room.BBRoomID, room.NoAdults, room.Child1, room.Child2, questions); !asked)
+            return asked.refusal();
+    if (Outcome asked = checkStartDate(request.FromDate, questions); !asked)
+        return asked.refusal();
 
     NewBookingResult result;
     Client client;
@@ -116,10 +159,8 @@ std::optional<NewBookingResult> BookingWriter::save(const NewBookingRequest &req
         client.Surname = request.surname.trimmed();
         client.Company = request.company.trimmed();
         client.Active = QStringLiteral("Y");
-    } else if (!client.fetch(m_db, request.BBClientID)) {
-        messages::critical(getString(5808, QStringLiteral("The client %1 could not be found.")).arg(request.BBClientID),
-                           getString(5809, QStringLiteral("Client not found")));
-        return std::nullopt;
+    } else {
+        client.fetch(m_db, request.BBClientID);
     }
     head.BBRateSheetID = request.BBClientID == 0 ? 0 : client.BBRateSheetID;
 
@@ -147,8 +188,7 @@ std::optional<NewBookingResult> BookingWriter::save(const NewBookingRequest &req
         guest.update(m_db);
         result.legs.push_back({room.BBRoomID, guest.BBGuestID});
 
-        const StayPrice price = priceStay(m_rates, {room.BBRoomID, room.BBRateID, head.BBRateSheetID, head.FromDate,
-                                                    head.ToDate, room.NoAdults, room.Child1, room.Child2});
+        const StayPrice price = priceStay(m_rates, stayOf(request, room, head.BBRateSheetID));
         for (const QDate &night : nights) {
             DailyRate rate;
             rate.CalDate = night;
@@ -177,20 +217,7 @@ std::optional<NewBookingResult> BookingWriter::save(const NewBookingRequest &req
     result.firstRoomId = request.rooms.front().BBRoomID;
     result.deposit = head.Deposit;
 
-    if (calendar) {
-        calendar->cacheGuest(client.BBClientID, getShortName(client.FirstName, client.Surname, client.Company));
-        for (const NewBookingRoom &room : request.rooms) {
-            auto entry = std::make_shared<CalendarCache>();
-            entry->BBBookingID = head.BBBookingID;
-            entry->Status = head.Status;
-            entry->Arrival = head.FromDate;
-            entry->BBClientID = client.BBClientID;
-            entry->NoAdults = room.NoAdults;
-            entry->Children = static_cast<qint16>(room.Child1 + room.Child2);
-            for (const QDate &night : nights)
-                calendar->addCalEntry(night, room.BBRoomID, entry);
-        }
-    }
+    result.changes.booking(head.BBBookingID).client(client.BBClientID);
     return result;
 }
 

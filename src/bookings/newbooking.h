@@ -1,23 +1,26 @@
 #pragma once
 
+#include "bookings/stayquestions.h"
+#include "shell/changes.h"
+#include "shell/refusal.h"
+
 #include <QDate>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 namespace fenlark {
 
 class BBSetup;
-class Calendar;
 class Database;
 class RateData;
 struct UserStruct;
 
 // The deposit asked for a stay: a one-night stay pays in full when the property
-// says so, any other the property's percentage of the total, not rounded. A total
-// of 0 tells the user that the rates are still to be entered, and goes on.
+// says so, any other the property's percentage of the total, not rounded.
 double calcDeposit(const BBSetup &setup, double total, int nights);
+// The notice for a booking whose total is 0: its rates are still to be entered.
+void tellRatesNotEntered();
 
 // The adults a new room starts with: the DEFUSER preference, 2 without one.
 qint16 defaultAdults(const QString &defUserPreference);
@@ -49,6 +52,25 @@ struct NewBookingLeg {
     qint32 BBGuestID = 0;
 };
 
+// The price of a new booking as it would be stored: each room's stay total and
+// the booking's, every night rounded as it is written.
+struct NewBookingQuote {
+    std::vector<double> roomTotals;   // in the order of the request's rooms
+    double total = 0;
+};
+// The client's rate sheet prices the stay (a new client has none).
+NewBookingQuote quoteNewBooking(Database &db, const RateData &rates, const NewBookingRequest &request);
+
+// The questions as Yes/No boxes (No by default) through the installed message sink.
+class MessageStayQuestions : public StayQuestions {
+public:
+    bool acceptOverLimit(const QString &roomName, int adults, int people, int maxAdults, int maxOccupancy) override
+    {
+        return askOverLimit(roomName, adults, people, maxAdults, maxOccupancy);
+    }
+    bool acceptPastStart(const QDate &fromDate) override { return askPastStart(fromDate); }
+};
+
 struct NewBookingResult {
     qint32 BBBookingID = 0;
     qint32 BBClientID = 0;
@@ -58,6 +80,7 @@ struct NewBookingResult {
     std::vector<NewBookingLeg> legs;
     double total = 0;
     double deposit = 0;
+    Changes changes;
 };
 
 // Writes a new booking made at this desk: the head (so that its key exists), a
@@ -65,17 +88,18 @@ struct NewBookingResult {
 // each night priced by the rate calculator and rounded, the account, the deposit
 // and the head again, so that the head is the last change-log row; then the
 // audit line. All of it in one transaction: a failure leaves nothing behind.
-// The calendar, when given, is patched with the new nights after the commit.
 class BookingWriter {
 public:
     BookingWriter(Database &db, const RateData &rates, const BBSetup &setup, const UserStruct &user);
 
-    // Shows why and returns nothing when the request cannot be saved (no name,
-    // no room, dates out of order, an unknown client). Database errors pass on.
-    std::optional<NewBookingResult> save(const NewBookingRequest &request, Calendar *calendar = nullptr);
+    // Refused, with nothing written, when the request cannot be saved (no name, no
+    // room, a room or rate code that does not exist or is not offered for the
+    // room, dates out of order, a missing or retired client) or when a question
+    // about its limits is answered No. Database errors pass on as exceptions.
+    Result<NewBookingResult> save(const NewBookingRequest &request, StayQuestions &questions);
 
 private:
-    bool validate(const NewBookingRequest &request) const;
+    Outcome validate(const NewBookingRequest &request) const;
 
     Database &m_db;
     const RateData &m_rates;

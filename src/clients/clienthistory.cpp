@@ -16,9 +16,7 @@ namespace {
 
 QString historyDate(const QDate &date)
 {
-    const QLocale locale = StringTable::instance().language() == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
-                                                                                 : QLocale(QLocale::English, QLocale::UnitedStates);
-    return locale.toString(date, QStringLiteral("dd MMM yyyy"));
+    return deskLocale().toString(date, QStringLiteral("dd MMM yyyy"));
 }
 
 } // namespace

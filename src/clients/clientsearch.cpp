@@ -2,6 +2,7 @@
 
 #include "clients/clientnames.h"
 #include "shell/database.h"
+#include "shell/textcompare.h"
 
 #include <QHash>
 #include <QSqlQuery>
@@ -52,8 +53,9 @@ ClientSearchStatement clientSearchStatement(const ClientSearchCriteria &criteria
         if (!ok)
             return statement;
     }
-    // The column names come from here only; what was typed is always bound.
-    statement.sql = QStringLiteral("select bbclientid from client where active = 'Y'");
+    // The column names come from here only; what was typed is always bound. The
+    // names are matched in their folded form, kept for every client in clientfold.
+    statement.sql = QStringLiteral("select bbclientid from clientfold where active = 'Y'");
     const std::pair<const QString *, const char *> prefixes[] = {
         {&criteria.firstName, " and firstname like ?"},
         {&criteria.surname, " and surname like ?"},
@@ -63,7 +65,7 @@ ClientSearchStatement clientSearchStatement(const ClientSearchCriteria &criteria
         if (typed->isEmpty())
             continue;
         statement.sql += QLatin1String(condition);
-        statement.values << QVariant(*typed + QLatin1Char('%'));
+        statement.values << QVariant(foldCase(*typed) + QLatin1Char('%'));
     }
     if (!criteria.clientId.isEmpty()) {
         statement.sql += QLatin1String(" and bbclientid = ?");

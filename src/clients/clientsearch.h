@@ -38,10 +38,10 @@ struct ClientSearchRow {
 
 // The query of a search, giving the keys of the clients found: names are
 // prefixes (typed "%" and "_" stay wildcards, quotes are plain characters),
-// compared without regard to case, combined with "and"; the id box must match
-// the key exactly; retired clients never show; newest first. Empty sql means the
-// search finds nothing without asking the database (all boxes empty, or an id
-// box that is not a 32-bit number).
+// compared without regard to case in any alphabet ("ñú" finds "Ñúñez"),
+// combined with "and"; the id box must match the key exactly; retired clients
+// never show; newest first. Empty sql means the search finds nothing without
+// asking the database (all boxes empty, or an id box that is not a 32-bit number).
 struct ClientSearchStatement {
     QString sql;
     QVariantList values;

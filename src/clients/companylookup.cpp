@@ -1,6 +1,7 @@
 #include "clients/companylookup.h"
 
 #include "shell/database.h"
+#include "shell/textcompare.h"
 
 #include <QSqlQuery>
 
@@ -9,10 +10,14 @@ namespace fenlark {
 std::vector<CompanyRow> lookupCompanies(Database &db, const QString &prefix)
 {
     std::vector<CompanyRow> rows;
-    QSqlQuery &q = db.repeatedQuery(QStringLiteral("select company, phoneno, add1 from client "
-                                                   "where company like ? and length(company) > 0 "
-                                                   "group by company, phoneno, add1 order by company, phoneno, add1"),
-                                    {QString(prefix + QLatin1Char('%'))});
+    // The prefix is matched against the folded names clientfold keeps, so case
+    // does not matter in any alphabet.
+    QSqlQuery &q = db.repeatedQuery(QStringLiteral("select client.company, client.phoneno, client.add1 from clientfold, client "
+                                                   "where clientfold.company like ? and client.bbclientid = clientfold.bbclientid "
+                                                   "and length(client.company) > 0 "
+                                                   "group by client.company, client.phoneno, client.add1 "
+                                                   "order by client.company, client.phoneno, client.add1"),
+                                    {QString(foldCase(prefix) + QLatin1Char('%'))});
     while (q.next())
         rows.push_back({q.value(0).toString(), q.value(1).toString(), q.value(2).toString()});
     q.finish();
@@ -22,9 +27,10 @@ std::vector<CompanyRow> lookupCompanies(Database &db, const QString &prefix)
 std::optional<CompanyDetails> companyDetails(Database &db, const CompanyRow &row)
 {
     QSqlQuery &q = db.repeatedQuery(QStringLiteral("select company, phoneno, add1, add2, vatno, bbratesheetid from client "
-                                                   "where company = ? and phoneno = ? and add1 = ? "
+                                                   "where bbclientid in (select bbclientid from clientfold where company = ? collate nocase) "
+                                                   "and company = ? and phoneno = ? and add1 = ? "
                                                    "order by bbclientid limit 1"),
-                                    {row.Company, row.PhoneNo, row.Add1});
+                                    {foldCase(row.Company), row.Company, row.PhoneNo, row.Add1});
     std::optional<CompanyDetails> details;
     if (q.next())
         details = CompanyDetails{q.value(0).toString(), q.value(1).toString(), q.value(2).toString(),

@@ -32,7 +32,8 @@ struct CompanyDetails {
 
 // The companies of all clients, retired ones included, that start with the
 // prefix (all of them for an empty one), each combination of company, phone
-// and first address line once, in order. Case does not matter; a typed '%' or
+// and first address line once, in order. Case does not matter, in any
+// alphabet ("ōsaka" finds "Ōsaka Travel"); a typed '%' or
 // '_' still matches any text or any one character; quotes are plain characters.
 // A company of blanks counts: only an empty one is left out.
 std::vector<CompanyRow> lookupCompanies(Database &db, const QString &prefix);

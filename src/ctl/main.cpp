@@ -44,7 +44,7 @@ int main(int argc, char *argv[])
         if (name == QLatin1String(v.name)) {
             try {
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
-                                            QStringLiteral("as-new")}));
+                                                QStringLiteral("yes"), QStringLiteral("as-new")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {

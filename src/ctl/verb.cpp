@@ -46,4 +46,10 @@ int fail(const QString &message, int code)
     return code;
 }
 
+int refuse(const Refusal &refusal)
+{
+    const QString title = refusal.title();
+    return fail(title.isEmpty() ? refusal.text() : title + QStringLiteral(": ") + refusal.text());
+}
+
 } // namespace fenlark::ctl

@@ -2,6 +2,7 @@
 
 #include "ctl/commandline.h"
 #include "shell/database.h"
+#include "shell/refusal.h"
 
 #include <QJsonValue>
 
@@ -35,5 +36,7 @@ QString databasePath(const CommandLine &args);
 // JSON for machines on stdout; errors on stderr with a non-zero exit.
 void printJson(const QJsonValue &value);
 int fail(const QString &message, int code = 1);
+// A refusal of the core: its text on stderr (in the chosen language) and exit 1.
+int refuse(const Refusal &refusal);
 
 } // namespace fenlark::ctl

@@ -64,6 +64,24 @@ std::optional<NewBookingRoom> parseRoom(const QString &text, const RateData &rat
     return room;
 }
 
+// The answers a script gives: dates move for every leg, linked bookings follow,
+// the rates are not opened (re-pricing is asked for with --reprice), a room of
+// another type is priced at its rates. Limits (heads over a room's, a stay in
+// the past) are accepted only with --yes.
+class ScriptAnswers : public SaveQuestions {
+public:
+    explicit ScriptAnswers(bool acceptWarnings) : m_accept(acceptWarnings) {}
+    bool acceptOverLimit(const QString &, int, int, int, int) override { return m_accept; }
+    bool acceptPastStart(const QDate &) override { return m_accept; }
+    bool changeAllLegs() override { return true; }
+    bool changeLinkedBookings() override { return true; }
+    bool checkRates() override { return false; }
+    bool repriceAtNewRoom(const QString &) override { return true; }
+
+private:
+    bool m_accept;
+};
+
 int runBook(const CommandLine &args)
 {
     const auto from = dateOption(args, QStringLiteral("from"));
@@ -101,27 +119,19 @@ int runBook(const CommandLine &args)
     BBSetup setup;
     setup.fetch(*db);
     const UserStruct user = UserStruct::autoAdmin();
-    const auto result = BookingWriter(*db, rates, setup, user).save(request);
+    ScriptAnswers answers(args.has(QStringLiteral("yes")));
+    const auto result = BookingWriter(*db, rates, setup, user).save(request, answers);
     if (!result)
-        return 1;
+        return refuse(result.refusal());
     QJsonArray legs;
     for (const NewBookingLeg &leg : result->legs)
-        legs.append(QJsonObject{{"room", leg.BBRoomID}, {"guest", leg.BBGuestID}});
+        legs.append(QJsonObject{{QStringLiteral("room"), leg.BBRoomID}, {QStringLiteral("guest"), leg.BBGuestID}});
     printJson(QJsonObject{{"booking", result->BBBookingID},
                           {"legs", legs},
                           {"account", result->BBAccountID},
                           {"total", roundMoney(result->total)}});
     return 0;
 }
-
-// The answers a script gives: dates move for every leg, linked bookings follow,
-// the rates are not opened (re-pricing is asked for with --reprice).
-class ScriptAnswers : public SaveQuestions {
-public:
-    bool changeAllLegs() override { return true; }
-    bool changeLinkedBookings() override { return true; }
-    bool checkRates() override { return false; }
-};
 
 std::optional<qint32> roomOption(const CommandLine &args, const QString &name)
 {
@@ -163,18 +173,23 @@ int runBookingChange(const CommandLine &args)
 
     const RateData rates = RateData::load(*db);
     const UserStruct user = UserStruct::autoAdmin();
-    ScriptAnswers answers;
-    BookingSave saver(*db, rates, user, answers);
+    BBSetup setup;
+    setup.fetch(*db);
+    ScriptAnswers answers(args.has(QStringLiteral("yes")));
+    BookingSave saver(*db, rates, setup, user, answers);
     const QString what = words.at(0);
 
     if (what == QLatin1String("split")) {
         const auto room = roomOption(args, QStringLiteral("leg"));
         if (!room)
             return 1;
-        const auto newKey = saver.split(key, *room);
-        if (!newKey)
-            return 1;
-        printJson(QJsonObject{{"booking", *newKey}, {"from", key}});
+        const auto split = saver.split(key, *room);
+        if (!split)
+            return refuse(split.refusal());
+        printJson(QJsonObject{{QStringLiteral("booking"), split->newBookingId},
+                              {QStringLiteral("from"), key},
+                              {QStringLiteral("deposit"), split->newDeposit},
+                              {QStringLiteral("fromDeposit"), split->oldDeposit}});
         return 0;
     }
 
@@ -207,8 +222,8 @@ int runBookingChange(const CommandLine &args)
     } else {
         return fail(QStringLiteral("usage: booking dates|room|split [--db PATH] KEY ..."));
     }
-    if (!saver.save(*edit))
-        return 1;
+    if (const auto saved = saver.save(*edit); !saved)
+        return refuse(saved.refusal());
     printJson(stayJson(*db, key));
     return 0;
 }
@@ -259,7 +274,8 @@ const std::vector<Verb> &bookingVerbs()
     static const std::vector<Verb> verbs = {
         {"book",
          "book [--db PATH] --from YYYY-MM-DD --to YYYY-MM-DD --room ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]... "
-         "(--client ID | --surname X [--first X] [--company X])   a new booking as the desk makes it",
+         "(--client ID | --surname X [--first X] [--company X]) [--yes]   a new booking as the desk makes it "
+         "(--yes books over a room's limits or in the past)",
          runBook},
         {"double-bookings", "double-bookings [--db PATH]   rooms sold twice for a night (exit 3 when there are any)",
          runDoubleBookings},

@@ -3,7 +3,7 @@
 #include "shell/backup.h"
 #include "shell/changelog.h"
 #include "shell/databasefiles.h"
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 #include "shell/setuprecords.h"
 
 #include <QFileInfo>

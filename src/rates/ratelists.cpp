@@ -3,8 +3,11 @@
 #include "shell/database.h"
 #include "shell/messages.h"
 #include "shell/strings.h"
+#include "shell/textcompare.h"
 
 #include <QSqlQuery>
+
+#include <algorithm>
 
 namespace fenlark {
 
@@ -34,8 +37,8 @@ void CurrencyCodes::initialise(Database &db)
 QString CurrencyCodes::getCurrencyCode(int index) const
 {
     if (index < 0 || index >= count()) {
-        messages::critical(getString(5508, QStringLiteral("Incorrect index passed into getCurrencyCode(%1)")).arg(index),
-                           getString(5509, QStringLiteral("Error")));
+        messages::critical(5508, QStringLiteral("Incorrect index passed into getCurrencyCode(%1)"), 5509, QStringLiteral("Error"),
+                           {QString::number(index)});
         return {};
     }
     return m_list[static_cast<std::size_t>(index)].first;
@@ -62,10 +65,13 @@ std::vector<RateSheetChoice> rateSheetList(Database &db)
     std::vector<RateSheetChoice> list{{0, getString(5510, QStringLiteral("RACK"))}};
     // A row for the default sheet itself (it carries its currency and deposit
     // policy) is already the first entry.
-    for (const RateSheet &sheet : RateSheet::list(db, QStringLiteral("RateCode"))) {
+    for (const RateSheet &sheet : RateSheet::list(db, QStringLiteral("BBRateSheetID"))) {
         if (sheet.BBRateSheetID != 0)
             list.push_back({sheet.BBRateSheetID, sheet.RateCode});
     }
+    const NameOrder order;
+    std::stable_sort(list.begin() + 1, list.end(),
+                     [&order](const RateSheetChoice &a, const RateSheetChoice &b) { return order(a.name, b.name); });
     return list;
 }
 

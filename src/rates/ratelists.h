@@ -51,7 +51,8 @@ struct RateSheetChoice {
     QString name;
 };
 
-// "RACK" (the default sheet, 0) first, then the other sheets by name.
+// "RACK" (the default sheet, 0) first, then the other sheets by name as people
+// sort names.
 std::vector<RateSheetChoice> rateSheetList(Database &db);
 
 // Room types and rooms in their display order.

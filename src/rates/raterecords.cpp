@@ -2,40 +2,6 @@
 
 namespace fenlark {
 
-const std::vector<Column<Room>> &Room::columns()
-{
-    static const std::vector<Column<Room>> c = {
-        {"BBRoomID", &Room::BBRoomID},
-        {"BBRTID", &Room::BBRTID},
-        {"RoomName", &Room::RoomName},
-        {"OrderBy", &Room::OrderBy},
-    };
-    return c;
-}
-
-const std::vector<Column<RoomType>> &RoomType::columns()
-{
-    static const std::vector<Column<RoomType>> c = {
-        {"BBRTID", &RoomType::BBRTID},
-        {"RTName", &RoomType::RTName},
-        {"RTDesc", &RoomType::RTDesc},
-        {"RateScheme", &RoomType::RateScheme},
-        {"MaxAdults", &RoomType::MaxAdults},
-        {"MaxOccupancy", &RoomType::MaxOccupancy},
-        {"AllowChild1", &RoomType::AllowChild1},
-        {"AllowChild2", &RoomType::AllowChild2},
-        {"DefaultMealPlanID", &RoomType::DefaultMealPlanID},
-        {"ChildFlag1", &RoomType::ChildFlag1},
-        {"ChildFlag2", &RoomType::ChildFlag2},
-        {"ChildRate1", &RoomType::ChildRate1},
-        {"ChildRate2", &RoomType::ChildRate2},
-        {"Override", &RoomType::Override},
-        {"OrderBy", &RoomType::OrderBy},
-        {"AppliesTo", &RoomType::AppliesTo},
-    };
-    return c;
-}
-
 const std::vector<Column<RateSheet>> &RateSheet::columns()
 {
     static const std::vector<Column<RateSheet>> c = {

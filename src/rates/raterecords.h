@@ -1,47 +1,12 @@
 #pragma once
 
 #include "shell/record.h"
+#include "shell/setuprecords.h"
 
 namespace fenlark {
 
 // The rate data of a property. All of it arrives with the setup download and is
-// only read here.
-
-class Room : public KeyedUnloggedRecord<Room> {
-public:
-    static constexpr const char *Table = "room";
-    static constexpr const char *Key = "BBRoomID";
-    static const std::vector<Column<Room>> &columns();
-
-    qint32 BBRoomID = 0;
-    qint32 BBRTID = 0;
-    QString RoomName;
-    qint16 OrderBy = 0;
-};
-
-class RoomType : public KeyedUnloggedRecord<RoomType> {
-public:
-    static constexpr const char *Table = "roomtype";
-    static constexpr const char *Key = "BBRTID";
-    static const std::vector<Column<RoomType>> &columns();
-
-    qint32 BBRTID = 0;
-    QString RTName;
-    QString RTDesc;
-    QString RateScheme;
-    qint16 MaxAdults = 0;
-    qint16 MaxOccupancy = 0;
-    QString AllowChild1;
-    QString AllowChild2;
-    qint32 DefaultMealPlanID = 0;
-    QString ChildFlag1;
-    QString ChildFlag2;
-    double ChildRate1 = 0;
-    double ChildRate2 = 0;
-    QString Override;
-    qint16 OrderBy = 0;
-    QString AppliesTo;   // weekday mask read night by night
-};
+// only read here. Rooms and room types are setup records of the shell.
 
 class RateSheet : public KeyedUnloggedRecord<RateSheet> {
 public:

@@ -375,13 +375,15 @@ double RatesCalculator::childPrice(const RatesRT &rate, int &pos, bool &firstChi
     const double childRate = youngerBand ? rate.ChildRate1 : rate.ChildRate2;
     if (age <= 0)
         return 0;
-    // "F" frees the younger band only; on the older band it reads as an amount.
-    if (youngerBand && is(flag, "F"))
-        return 0;
+    // The child sharing with a lone adult takes the second sharing place: under
+    // "T" whatever its band's flag, under "S" when its band is charged at all.
     if (firstChildAsAdult && (is(m_chargeSSRate, "T") || (is(m_chargeSSRate, "S") && childRate > 0))) {
         firstChildAsAdult = false;
         return rate.pax(2);
     }
+    // "F" frees the younger band only; on the older band it reads as an amount.
+    if (youngerBand && is(flag, "F"))
+        return 0;
     if (is(flag, "P"))
         return childRate / 100 * rate.pax(2);
     const int column = std::clamp(std::min<int>(pos, rate.MaxAdults), 0, 5);

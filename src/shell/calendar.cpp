@@ -1,8 +1,9 @@
 #include "shell/calendar.h"
 
-#include "clients/clientnames.h"
 #include "shell/database.h"
+#include "shell/displaynames.h"
 #include "shell/messages.h"
+#include "shell/record.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
@@ -12,6 +13,20 @@
 #include <cmath>
 
 namespace fenlark {
+
+namespace {
+
+// The columns the calendar reads of a booking's room. A stay leaves on ToDate,
+// so the day of leaving is not occupied. The client is joined loosely: a booking
+// whose client is missing still takes its room.
+const QString BookingCellsSql = QStringLiteral(
+    "select booking.BBBookingID, client.BBClientID, booking.Status, guest.CheckInOut, booking.FromDate, "
+    "booking.ToDate, guest.BBRoomID, client.FirstName, client.Surname, client.Company, guest.NoAdults, "
+    "guest.Child1 + guest.Child2, guest.BBClientID "
+    "from booking join guest on booking.BBBookingID = guest.BBBookingID "
+    "left join client on guest.BBClientID = client.BBClientID ");
+
+} // namespace
 
 QString cellStatus(const QString &status, const QString &checkInOut)
 {
@@ -44,16 +59,14 @@ bool Calendar::fillCache(Database &db, QDate from, QDate to)
         return false;
 
     ++m_queries;
-    // A stay leaves on ToDate, so the day of leaving is not occupied. The client is
-    // joined loosely: a booking whose client is missing still takes its room.
-    QSqlQuery q = db.query(QStringLiteral(
-        "select booking.BBBookingID, client.BBClientID, booking.Status, guest.CheckInOut, booking.FromDate, "
-        "booking.ToDate, guest.BBRoomID, client.FirstName, client.Surname, client.Company, guest.NoAdults, "
-        "guest.Child1 + guest.Child2, guest.BBClientID "
-        "from booking join guest on booking.BBBookingID = guest.BBBookingID "
-        "left join client on guest.BBClientID = client.BBClientID "
-        "where booking.ToDate > ? and booking.FromDate <= ?"),
-        {sqlDate(first), sqlDate(last)});
+    QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where booking.ToDate > ? and booking.FromDate <= ?"),
+                           {sqlDate(first), sqlDate(last)});
+    readRows(q, from, to, false);
+    return true;
+}
+
+void Calendar::readRows(QSqlQuery &q, QDate from, QDate to, bool loadedDaysOnly)
+{
     while (q.next()) {
         const QDate fromDate = dateFromSql(q.value(4));
         const QDate toDate = dateFromSql(q.value(5));
@@ -75,12 +88,78 @@ bool Calendar::fillCache(Database &db, QDate from, QDate to)
 
         const qint32 room = q.value(6).toInt();
         for (QDate d = start; d <= end; d = d.addDays(1)) {
+            if (loadedDaysOnly && !m_loaded.contains(d.toJulianDay()))
+                continue;
             CalendarEntry &slot = m_cells[Key{d.toJulianDay(), room}];
             if (!slot)
                 slot = entry;
         }
     }
-    return true;
+}
+
+void Calendar::refresh(Database &db, const Changes &changes)
+{
+    if (changes.everythingChanged()) {
+        initCalendar();
+        return;
+    }
+    for (qint32 client : changes.clients())
+        refreshClient(db, client);
+    if (changes.bookings().isEmpty())
+        return;
+
+    // The days of each room the changed bookings held before and hold now.
+    QHash<qint32, std::pair<qint64, qint64>> spans;
+    const auto extend = [&spans](qint32 room, qint64 first, qint64 last) {
+        auto it = spans.find(room);
+        if (it == spans.end())
+            spans.insert(room, {first, last});
+        else
+            *it = {std::min(it->first, first), std::max(it->second, last)};
+    };
+    for (auto it = m_cells.begin(); it != m_cells.end();) {
+        if (it.value() && changes.bookings().contains(it.value()->BBBookingID)) {
+            extend(it.key().room, it.key().day, it.key().day);
+            it = m_cells.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    QVariantList keys;
+    for (qint32 booking : changes.bookings())
+        keys << booking;
+    QSqlQuery legs = db.query(QStringLiteral("select guest.BBRoomID, booking.FromDate, booking.ToDate from booking join guest "
+                                             "on booking.BBBookingID = guest.BBBookingID where booking.BBBookingID in (")
+                                  + recorddetail::placeholders(int(keys.size())) + QLatin1Char(')'),
+                              keys);
+    while (legs.next()) {
+        const QDate fromDate = dateFromSql(legs.value(1));
+        const QDate toDate = dateFromSql(legs.value(2));
+        if (fromDate.isValid() && toDate > fromDate)
+            extend(legs.value(0).toInt(), fromDate.toJulianDay(), toDate.toJulianDay() - 1);
+    }
+
+    for (auto it = spans.cbegin(); it != spans.cend(); ++it) {
+        const qint32 room = it.key();
+        const QDate first = QDate::fromJulianDay(it->first);
+        const QDate last = QDate::fromJulianDay(it->second);
+        for (QDate d = first; d <= last; d = d.addDays(1))
+            m_cells.remove(Key{d.toJulianDay(), room});
+        ++m_queries;
+        QSqlQuery q = db.query(BookingCellsSql
+                                   + QStringLiteral("where booking.ToDate > ? and booking.FromDate <= ? and guest.BBRoomID = ?"),
+                               {sqlDate(first), sqlDate(last), room});
+        readRows(q, first, last, true);
+    }
+}
+
+void Calendar::refreshClient(Database &db, qint32 clientId)
+{
+    QSqlQuery q = db.query(QStringLiteral("select FirstName, Surname, Company from client where BBClientID = ?"), {clientId});
+    if (q.next())
+        cacheGuest(clientId, getShortName(fieldText(q.value(0)), fieldText(q.value(1)), fieldText(q.value(2))));
+    else
+        delGuestEntry(clientId);
 }
 
 CalendarEntry Calendar::find(QDate date, qint32 roomId) const
@@ -169,19 +248,15 @@ std::vector<qint32> freeRooms(Database &db, Calendar &calendar, const std::vecto
     return free;
 }
 
-bool checkNights(const QString &nightsText)
+Outcome checkNights(const QString &nightsText)
 {
-    if (nightsText.trimmed().isEmpty()) {
-        messages::critical(getString(2280, QStringLiteral("How many nights is the booking for?")),
-                           getString(2281, QStringLiteral("Incomplete number of nights")));
-        return false;
-    }
-    if (safeDouble(nightsText) <= 0) {
-        messages::critical(getString(2278, QStringLiteral("The number of nights must be greater than zero.")),
-                           getString(2279, QStringLiteral("Type in a positive number of nights")));
-        return false;
-    }
-    return true;
+    if (nightsText.trimmed().isEmpty())
+        return Refusal(2280, QStringLiteral("How many nights is the booking for?"), 2281,
+                       QStringLiteral("Incomplete number of nights"));
+    if (safeDouble(nightsText) <= 0)
+        return Refusal(2278, QStringLiteral("The number of nights must be greater than zero."), 2279,
+                       QStringLiteral("Type in a positive number of nights"));
+    return Done{};
 }
 
 void CalendarEvents::load(Database &db, QDate from, QDate to)
@@ -221,24 +296,16 @@ bool EventRules::overlaps(Database &db, QDate from, QDate to, int eventIndex, qi
         > 0;
 }
 
-bool EventRules::validate(Database &db, const QString &text, QDate from, QDate to, int eventIndex, qint32 ownId)
+Outcome EventRules::validate(Database &db, const QString &text, QDate from, QDate to, int eventIndex, qint32 ownId)
 {
-    if (text.trimmed().isEmpty()) {
-        messages::critical(getString(1702, QStringLiteral("You haven't entered any text.")),
-                           getString(1703, QStringLiteral("No event text entered")));
-        return false;
-    }
-    if (from > to) {
-        messages::critical(getString(1704, QStringLiteral("From date cannot be bigger than the To date.")),
-                           getString(1705, QStringLiteral("Incorrect dates")));
-        return false;
-    }
-    if (overlaps(db, from, to, eventIndex, ownId)) {
-        messages::critical(getString(5110, QStringLiteral("The changes you have made overlap an event that already exists. Please adjust.")),
-                           getString(5111, QStringLiteral("Overlapping event dates")));
-        return false;
-    }
-    return true;
+    if (text.trimmed().isEmpty())
+        return Refusal(1702, QStringLiteral("You haven't entered any text."), 1703, QStringLiteral("No event text entered"));
+    if (from > to)
+        return Refusal(1704, QStringLiteral("From date cannot be bigger than the To date."), 1705, QStringLiteral("Incorrect dates"));
+    if (overlaps(db, from, to, eventIndex, ownId))
+        return Refusal(5110, QStringLiteral("The changes you have made overlap an event that already exists. Please adjust."),
+                       5111, QStringLiteral("Overlapping event dates"));
+    return Done{};
 }
 
 } // namespace fenlark

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "shell/changes.h"
+#include "shell/refusal.h"
 #include "shell/setuprecords.h"
 
 #include <QDate>
 #include <QHash>
 #include <QSet>
 #include <QString>
+
+class QSqlQuery;
 
 #include <memory>
 #include <optional>
@@ -45,6 +49,12 @@ public:
     // day wins: in a double booking only one shows.
     bool fillCache(Database &db, QDate from, QDate to);
 
+    // Brings the loaded days up to date with what a write changed: the cells of
+    // each changed booking, before and after, are read again for their rooms
+    // (so that a booking another one hid in a clash shows again), and changed
+    // clients' labels are read again. Everything changed: the cache starts empty.
+    void refresh(Database &db, const Changes &changes);
+
     // The entry of a day and room; null when the room is free.
     CalendarEntry find(QDate date, qint32 roomId) const;
     // The entry of a day and room, made empty and added when there is none.
@@ -63,6 +73,11 @@ public:
     qsizetype entryCount() const { return m_cells.size(); }
 
 private:
+    // Fills empty cells of days first..last from the rows of a query of the
+    // booking, guest and client columns that fillCache selects.
+    void readRows(QSqlQuery &rows, QDate first, QDate last, bool loadedDaysOnly);
+    void refreshClient(Database &db, qint32 clientId);
+
     struct Key {
         qint64 day;
         qint32 room;
@@ -99,8 +114,8 @@ BookingRequest bookingRequestFor(QDate firstDay, const GridSelection &selection)
 // The rooms (of those given, in their order) free on every night of a stay.
 std::vector<qint32> freeRooms(Database &db, Calendar &calendar, const std::vector<qint32> &roomIds, QDate from, int nights);
 
-// Whether a typed number of nights can be used; shows why not when it cannot.
-bool checkNights(const QString &nightsText);
+// Whether a typed number of nights can be used; refused with the reason when not.
+Outcome checkNights(const QString &nightsText);
 
 // The calendar events of a window, by day and header row (1 to 3).
 class CalendarEvents {
@@ -118,8 +133,8 @@ private:
 class EventRules {
 public:
     // The three checks in order (text, dates, overlap on the same header row,
-    // leaving out the event itself); shows the message of the first that fails.
-    static bool validate(Database &db, const QString &text, QDate from, QDate to, int eventIndex, qint32 ownId);
+    // leaving out the event itself); refused with the first that fails.
+    static Outcome validate(Database &db, const QString &text, QDate from, QDate to, int eventIndex, qint32 ownId);
     static bool overlaps(Database &db, QDate from, QDate to, int eventIndex, qint32 ownId);
 };
 

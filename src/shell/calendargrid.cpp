@@ -1,6 +1,6 @@
 #include "shell/calendargrid.h"
 
-#include "clients/clientnames.h"
+#include "shell/displaynames.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"

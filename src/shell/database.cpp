@@ -1,6 +1,7 @@
 #include "shell/database.h"
 
 #include "shell/schema.h"
+#include "shell/textcompare.h"
 
 #include <QAtomicInt>
 #include <QDir>
@@ -96,6 +97,9 @@ std::unique_ptr<Database> Database::open(const QString &path)
         throw DatabaseOpenError(path, reason);
     }
     std::unique_ptr<Database> database(new Database(path, db, name));
+    // The schema's triggers call foldcase() on every write of a client.
+    if (!registerFoldCase(db))
+        throw DatabaseOpenError(path, QStringLiteral("SQLite refused the text functions of the desk"));
     try {
         database->execute(QStringLiteral("pragma journal_mode = wal"));
         database->execute(QStringLiteral("pragma synchronous = normal"));

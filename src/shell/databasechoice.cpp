@@ -47,8 +47,7 @@ DatabaseChoice::Result DatabaseChoice::change(Session &session, int chosen, Star
     Backup::backupDatabase(session.db(), chosen);
     host.initialise(session);
     const QString name = getDBName(chosen);
-    messages::information(getString(2288, QStringLiteral("Database changed to %1")).arg(name),
-                          getString(2289, QStringLiteral("New Database - %1")).arg(name));
+    messages::inform(2288, QStringLiteral("Database changed to %1"), 2289, QStringLiteral("New Database - %1"), {name});
     return Changed;
 }
 

@@ -43,8 +43,7 @@ QString getDBName(int dbNumber)
     const int open = entry.indexOf(QLatin1Char('{'));
     const int close = entry.indexOf(QLatin1Char('}'));
     if (open < 0 || close < 0) {
-        messages::critical(getString(1218, QStringLiteral("Your configuration file does not look correct. Please call veldmoor on +27(0)21 555 0100.")),
-                           getString(1219, QStringLiteral("Incorrect config entries.")));
+        messages::critical(1218, QStringLiteral("Your configuration file does not look correct. Please call veldmoor on +27(0)21 555 0100."), 1219, QStringLiteral("Incorrect config entries."));
         return {};
     }
     // By position: the brace is assumed to be the first character.

@@ -68,19 +68,38 @@ void showMessage(const UserMessage &message)
     sink().show(message);
 }
 
+namespace {
+
+UserMessage byId(UserMessage::Kind kind, int id, const QString &english, int titleId, const QString &titleEnglish,
+                 const QStringList &args)
+{
+    UserMessage message{kind, fillArguments(id == 0 ? english : getString(id, english), args),
+                        fillArguments(titleId == 0 ? titleEnglish : getString(titleId, titleEnglish), args)};
+    message.id = id;
+    return message;
+}
+
+} // namespace
+
 void inform(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args)
 {
-    UserMessage message{UserMessage::Information, fillArguments(getString(id, english), args),
-                        titleId == 0 && titleEnglish.isEmpty() ? QString() : getString(titleId, titleEnglish)};
-    message.id = id;
-    sink().show(message);
+    showMessage(byId(UserMessage::Information, id, english, titleId, titleEnglish, args));
+}
+
+void critical(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args)
+{
+    showMessage(byId(UserMessage::Critical, id, english, titleId, titleEnglish, args));
+}
+
+void warning(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args)
+{
+    showMessage(byId(UserMessage::Warning, id, english, titleId, titleEnglish, args));
 }
 
 bool ask(int id, const QString &english, int titleId, const QString &titleEnglish, bool defaultNo, const QStringList &args)
 {
-    UserMessage message{UserMessage::Question, fillArguments(getString(id, english), args),
-                        titleId == 0 && titleEnglish.isEmpty() ? QString() : getString(titleId, titleEnglish), defaultNo};
-    message.id = id;
+    UserMessage message = byId(UserMessage::Question, id, english, titleId, titleEnglish, args);
+    message.defaultNo = defaultNo;
     return sink().ask(message);
 }
 

@@ -41,6 +41,14 @@ bool ask(int id, const QString &english, int titleId, const QString &titleEnglis
 void setSink(MessageSink *sink);
 MessageSink &sink();
 
+// Messages by string id: the text and title are looked up in the current
+// language (the English given is the fallback), %1.. filled from args. A title
+// id of 0 with an empty English title means no title.
+void critical(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args = {});
+void warning(int id, const QString &english, int titleId, const QString &titleEnglish, const QStringList &args = {});
+
+// Messages whose text is not one of the program's (file contents, a server's
+// reply): shown as they are, with id 0.
 void critical(const QString &text, const QString &title);
 void information(const QString &text, const QString &title);
 void warning(const QString &text, const QString &title);

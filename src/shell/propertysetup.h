@@ -1,7 +1,6 @@
 #pragma once
 
-#include "accounts/accountrecords.h"
-#include "rates/raterecords.h"
+#include "shell/setuprecords.h"
 
 #include <QHash>
 

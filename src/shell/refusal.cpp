@@ -20,6 +20,18 @@ Refusal &Refusal::arg(qint64 value)
     return arg(QString::number(value));
 }
 
+Refusal &Refusal::then(int id, QString english)
+{
+    m_pieces.emplace_back(id, std::move(english));
+    return *this;
+}
+
+Refusal &Refusal::thenText(const QString &text)
+{
+    m_pieces.emplace_back(0, text);
+    return *this;
+}
+
 Refusal &Refusal::asInformation()
 {
     m_kind = UserMessage::Information;
@@ -28,12 +40,15 @@ Refusal &Refusal::asInformation()
 
 QString Refusal::text() const
 {
-    return fillArguments(getString(m_id, m_english), m_args);
+    QString text = fillArguments(getString(m_id, m_english), m_args);
+    for (const auto &[id, english] : m_pieces)
+        text += id == 0 ? english : getString(id, english);
+    return text;
 }
 
 QString Refusal::title() const
 {
-    return m_titleId == 0 && m_titleEnglish.isEmpty() ? QString() : getString(m_titleId, m_titleEnglish);
+    return fillArguments(m_titleId == 0 ? m_titleEnglish : getString(m_titleId, m_titleEnglish), m_args);
 }
 
 UserMessage Refusal::toMessage() const
@@ -48,6 +63,14 @@ namespace messages {
 void show(const Refusal &refusal)
 {
     showMessage(refusal.toMessage());
+}
+
+bool ask(const Refusal &question, bool defaultNo)
+{
+    UserMessage message = question.toMessage();
+    message.kind = UserMessage::Question;
+    message.defaultNo = defaultNo;
+    return sink().ask(message);
 }
 
 } // namespace messages

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <utility>
+#include <vector>
 #include <variant>
 
 namespace fenlark {
@@ -22,6 +23,10 @@ public:
     // The next %n argument (chainable, like QString::arg).
     Refusal &arg(const QString &value);
     Refusal &arg(qint64 value);
+    // Another text put after this one (a message made of several pieces): one
+    // of the program's by its id, or a text as it stands (a name, a number).
+    Refusal &then(int id, QString english);
+    Refusal &thenText(const QString &text);
     // Shown as a notice instead of an error.
     Refusal &asInformation();
 
@@ -41,6 +46,7 @@ private:
     int m_titleId;
     QString m_titleEnglish;
     QStringList m_args;
+    std::vector<std::pair<int, QString>> m_pieces;
     UserMessage::Kind m_kind = UserMessage::Critical;
 };
 
@@ -75,6 +81,8 @@ using Outcome = Result<Done>;
 namespace messages {
 // Shows a refusal through the installed sink (criticals are also logged).
 void show(const Refusal &refusal);
+// A Yes/No question put together the same way (pieces, arguments): true for Yes.
+bool ask(const Refusal &question, bool defaultNo = false);
 } // namespace messages
 
 } // namespace fenlark

@@ -242,15 +242,46 @@ const char *const Version3[] = {
     "create index creditnote_serverid on creditnote (CreditNoteID)",
 };
 
-// Version 4: the order in which the client editor lists extra fields ships with
+// Version 4: names are found case-folded in every alphabet, where SQLite folds
+// only ASCII. clientfold keeps each client's names folded by foldcase(), which
+// every connection of the desk registers; triggers keep it in step with every
+// write of a client (the desk, the synchronisation, anything else), and the
+// searches read keys from its indexes without visiting the client rows.
+const char *const Version4[] = {
+    R"(create table clientfold (
+        BBClientID integer primary key, Active text, FirstName text, Surname text, Company text))",
+    R"(insert into clientfold (BBClientID, Active, FirstName, Surname, Company)
+        select BBClientID, Active, foldcase(FirstName), foldcase(Surname), foldcase(Company) from client)",
+    "create index clientfold_firstname on clientfold (FirstName collate nocase, Active)",
+    "create index clientfold_surname on clientfold (Surname collate nocase, Active)",
+    "create index clientfold_company on clientfold (Company collate nocase, Active)",
+    R"(create trigger client_fold_insert after insert on client begin
+        delete from clientfold where BBClientID = new.BBClientID;
+        insert into clientfold (BBClientID, Active, FirstName, Surname, Company)
+            values (new.BBClientID, new.Active, foldcase(new.FirstName), foldcase(new.Surname), foldcase(new.Company));
+    end)",
+    R"(create trigger client_fold_update after update of BBClientID, Active, FirstName, Surname, Company on client begin
+        delete from clientfold where BBClientID = old.BBClientID;
+        insert into clientfold (BBClientID, Active, FirstName, Surname, Company)
+            values (new.BBClientID, new.Active, foldcase(new.FirstName), foldcase(new.Surname), foldcase(new.Company));
+    end)",
+    R"(create trigger client_fold_delete after delete on client begin
+        delete from clientfold where BBClientID = old.BBClientID;
+    end)",
+    // Nothing searches the raw names any more.
+    "drop index client_surname",
+    "drop index client_firstname",
+    "drop index client_company",
+};
+
+// Version 5: the order in which the client editor lists extra fields ships with
 // the program (an extra of a type missing here is not shown, and the editor's
 // next save would drop it); and a client's history and retirement find the
 // rooms where the client was the second guest.
-const char *const Version4[] = {
+const char *const Version5[] = {
     R"(insert or ignore into clientxsort (fieldtype, orderby) values
         ('P', 1), ('F', 2), ('C', 3), ('I', 4), ('N', 5), ('O', 6), ('T', 7), ('S', 8))",
-    "create index guest_client2 on guest (BBClient2ID)",
-    "create index client_companylookup on client (Company collate nocase, PhoneNo, Add1)",
+    "create index if not exists guest_client2 on guest (BBClient2ID)",
 };
 
 struct Migration {
@@ -264,6 +295,7 @@ const Migration Migrations[] = {
     {2, Version2, std::size(Version2)},
     {3, Version3, std::size(Version3)},
     {4, Version4, std::size(Version4)},
+    {5, Version5, std::size(Version5)},
 };
 
 } // namespace

@@ -4,10 +4,13 @@
 #include "shell/messages.h"
 #include "shell/setuprecords.h"
 #include "shell/strings.h"
+#include "shell/textcompare.h"
 
 #include <QDateTime>
 #include <QSqlQuery>
 #include <QSqlRecord>
+
+#include <algorithm>
 
 namespace fenlark {
 
@@ -48,8 +51,7 @@ bool checkPermission(const UserStruct &user, SecurityAction action)
 {
     if (isAllowed(user, action))
         return false;
-    messages::critical(getString(5100, QStringLiteral("Your user group permission doesn't allow this action.")),
-                       getString(5101, QStringLiteral("Permission denied.")));
+    messages::critical(5100, QStringLiteral("Your user group permission doesn't allow this action."), 5101, QStringLiteral("Permission denied."));
     return true;
 }
 
@@ -87,16 +89,13 @@ bool PropertyLogin::validate(const QString &bbidText, const QString &password, P
         *problem = found;
     switch (found) {
     case BBIDNotNumeric:
-        messages::critical(getString(5102, QStringLiteral("Please enter a valid BBID")),
-                           getString(5103, QStringLiteral("Valid BBID required")));
+        messages::critical(5102, QStringLiteral("Please enter a valid BBID"), 5103, QStringLiteral("Valid BBID required"));
         return false;
     case BBIDOutOfRange:
-        messages::critical(getString(5104, QStringLiteral("You must type in the BBID given to you by veldmoor.")),
-                           getString(5105, QStringLiteral("Incorrect BBID")));
+        messages::critical(5104, QStringLiteral("You must type in the BBID given to you by veldmoor."), 5105, QStringLiteral("Incorrect BBID"));
         return false;
     case PasswordEmpty:
-        messages::critical(getString(5106, QStringLiteral("Please enter the correct password for this BBID")),
-                           getString(5107, QStringLiteral("Valid password required")));
+        messages::critical(5106, QStringLiteral("Please enter the correct password for this BBID"), 5107, QStringLiteral("Valid password required"));
         return false;
     case NoProblem:
         break;
@@ -125,9 +124,12 @@ void PropertyLogin::bindProperty(Database &db, int bbid, const QString &password
 std::vector<std::pair<QString, qint32>> UserLogin::userList(Database &db)
 {
     std::vector<std::pair<QString, qint32>> list;
-    const auto users = VMUser::list(db, QStringLiteral("UserName"));
+    std::vector<VMUser> users = VMUser::list(db, QStringLiteral("UserID"));
     if (users.empty())
         return list;
+    const NameOrder order;
+    std::stable_sort(users.begin(), users.end(),
+                     [&order](const VMUser &a, const VMUser &b) { return order(a.UserName, b.UserName); });
     list.emplace_back(QStringLiteral("admin"), 0);
     for (const VMUser &user : users)
         list.emplace_back(user.UserName, user.UserID);

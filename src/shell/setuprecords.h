@@ -83,4 +83,53 @@ public:
     QString EventNote;
 };
 
+// The rooms of the property, the rows of the calendar.
+class Room : public KeyedUnloggedRecord<Room> {
+public:
+    static constexpr const char *Table = "room";
+    static constexpr const char *Key = "BBRoomID";
+    static const std::vector<Column<Room>> &columns();
+
+    qint32 BBRoomID = 0;
+    qint32 BBRTID = 0;
+    QString RoomName;
+    qint16 OrderBy = 0;
+};
+
+// What kind of room a room is: its rate scheme, limits and child rules.
+class RoomType : public KeyedUnloggedRecord<RoomType> {
+public:
+    static constexpr const char *Table = "roomtype";
+    static constexpr const char *Key = "BBRTID";
+    static const std::vector<Column<RoomType>> &columns();
+
+    qint32 BBRTID = 0;
+    QString RTName;
+    QString RTDesc;
+    QString RateScheme;
+    qint16 MaxAdults = 0;
+    qint16 MaxOccupancy = 0;
+    QString AllowChild1;
+    QString AllowChild2;
+    qint32 DefaultMealPlanID = 0;
+    QString ChildFlag1;
+    QString ChildFlag2;
+    double ChildRate1 = 0;
+    double ChildRate2 = 0;
+    QString Override;
+    qint16 OrderBy = 0;
+    QString AppliesTo;   // weekday mask read night by night
+};
+
+// A VAT rate by its code.
+class VatCode : public KeyedUnloggedRecord<VatCode> {
+public:
+    static constexpr const char *Table = "vatcode";
+    static constexpr const char *Key = "VatCode";
+    static const std::vector<Column<VatCode>> &columns();
+
+    qint16 Code = 0;   // the column VatCode
+    double VATRate = 0;
+};
+
 } // namespace fenlark

@@ -3,6 +3,7 @@
 #include "shell/backup.h"
 #include "shell/config.h"
 #include "shell/databasefiles.h"
+#include "shell/errorlog.h"
 #include "shell/home.h"
 #include "shell/messages.h"
 #include "shell/strings.h"
@@ -24,8 +25,9 @@ std::unique_ptr<Database> Startup::openConnection(const QString &path)
     try {
         return Database::open(path);
     } catch (const DatabaseOpenError &e) {
-        messages::critical(getString(5020, QStringLiteral("Could not open database (%1)")).arg(path),
-                           getString(5021, QStringLiteral("Could not open database.")));
+        messages::critical(5020, QStringLiteral("Could not open database (%1)"), 5021, QStringLiteral("Could not open database."),
+                           {path});
+        ErrorLog::write(path + QStringLiteral(": ") + e.reason());
         return nullptr;
     }
 }
@@ -36,8 +38,7 @@ Startup::Outcome Startup::run()
     m_instanceLock = std::make_unique<QLockFile>(Home::file(QStringLiteral("fenlark.lock")));
     m_instanceLock->setStaleLockTime(0);
     if (!m_instanceLock->tryLock(0)) {
-        messages::critical(getString(2219, QStringLiteral("The veldmoor program is already running. Use that one instead.")),
-                           getString(2220, QStringLiteral("veldmoor application already open")));
+        messages::critical(2219, QStringLiteral("The veldmoor program is already running. Use that one instead."), 2220, QStringLiteral("veldmoor application already open"));
         return AlreadyRunning;
     }
 
@@ -78,8 +79,7 @@ Startup::Outcome Startup::run()
         }
         if (m_session->db().scalar(QStringLiteral("select count(*) from room")).toInt() == 0) {
             m_host.closeSplash();
-            messages::critical(getString(5022, QStringLiteral("Cannot find any rooms under this BBID.")),
-                               getString(5023, QStringLiteral("No rooms set up.")));
+            messages::critical(5022, QStringLiteral("Cannot find any rooms under this BBID."), 5023, QStringLiteral("No rooms set up."));
             return NoRooms;
         }
     }

@@ -97,10 +97,21 @@ void StringTable::setLanguage(int languageId)
     m_texts = load(languageId);
 }
 
+QLocale StringTable::locale() const
+{
+    return m_language == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
+                                         : QLocale(QLocale::English, QLocale::UnitedStates);
+}
+
 QString StringTable::get(int id, const QString &defaultText) const
 {
     const auto it = m_texts.constFind(id);
     return it == m_texts.constEnd() ? defaultText : it.value();
+}
+
+QLocale deskLocale()
+{
+    return StringTable::instance().locale();
 }
 
 } // namespace fenlark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QLocale>
 #include <QString>
 
 namespace fenlark {
@@ -20,6 +21,9 @@ public:
     static StringTable &instance();
 
     int language() const { return m_language; }
+    // The locale of the language in use: its alphabet orders names and its
+    // calendar names days and months.
+    QLocale locale() const;
     // Loads the tables of that language; an unknown id falls back to English.
     void setLanguage(int languageId);
 
@@ -37,6 +41,9 @@ private:
     int m_language = EnglishLanguage;
     QHash<int, QString> m_texts;
 };
+
+// The locale of the chosen language, for dates and numbers shown to people.
+QLocale deskLocale();
 
 inline QString getString(int id, const QString &defaultText)
 {

@@ -10,7 +10,7 @@ namespace fenlark {
 
 Ticker::Result Ticker::tick(Database &db, TickHooks &hooks, const QDateTime &now)
 {
-    if (!hooks.mainWindowActive())
+    if (!hooks.deskIdle())
         return Skipped;
     hooks.checkExpired();
 
@@ -39,8 +39,7 @@ bool mayExit(Database &db, bool exitFlag)
 {
     if (exitFlag || ChangeLog::isEmpty(db))
         return true;
-    return messages::question(getString(2318, QStringLiteral(" You have not synchronised. Are you sure you want to exit?")),
-                              getString(2319, QStringLiteral("Exit without synchronising?")));
+    return messages::ask(2318, QStringLiteral(" You have not synchronised. Are you sure you want to exit?"), 2319, QStringLiteral("Exit without synchronising?"));
 }
 
 } // namespace fenlark

@@ -10,9 +10,9 @@ class Database;
 class TickHooks {
 public:
     virtual ~TickHooks() = default;
-    // True only while the main window is the active window: a tick never
-    // interrupts a dialog.
-    virtual bool mainWindowActive() = 0;
+    // True while no dialog holds the desk: a tick never interrupts one, but runs
+    // with the main window in the background or minimised.
+    virtual bool deskIdle() = 0;
     // Reminds about provisional bookings past their hold.
     virtual void checkExpired() = 0;
     // Runs a synchronisation without a dialog.

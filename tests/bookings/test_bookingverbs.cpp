@@ -1,7 +1,7 @@
 // fenlarkctl's booking verbs, run as a script runs them: a separate process on
 // a database file, JSON on stdout, a refusal on stderr with a non-zero exit.
 #include "shell/database.h"
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 #include "support/testdatabase.h"
 
 #include <QJsonArray>
@@ -82,8 +82,14 @@ private Q_SLOTS:
 
     void bookWritesLegsNightsAndAccountWithTheHeadLast()
     {
-        const Run run = ctl({"book", "--from", "2031-05-01", "--to", "2031-05-04", "--room", "1", "--room", "2::3",
-                             "--surname", "Script", "--first", "Ann"});
+        const QString before = snapshot();
+        const QStringList crowded = {"book", "--from", "2031-05-01", "--to", "2031-05-04", "--room", "1", "--room", "2::9",
+                                     "--surname", "Script", "--first", "Ann"};
+        const Run refused = ctl(crowded);   // nine adults in a double: a script must say --yes
+        QVERIFY(refused.exitCode != 0);
+        QVERIFY(refused.errors.contains("change the number of people"));
+        QCOMPARE(snapshot(), before);
+        const Run run = ctl(crowded + QStringList{"--yes"});
         QCOMPARE(run.exitCode, 0);
         const qint32 booking = run.json.value("booking").toInt();
         QVERIFY(booking > 0);
@@ -91,7 +97,7 @@ private Q_SLOTS:
         QVERIFY(run.json.value("account").toInt() > 0);
         QVERIFY(run.json.value("total").toDouble() > 0);
         QCOMPARE(nights(booking), 6);
-        QCOMPARE(m_t->db().scalar("select NoAdults from guest where BBBookingID = ? and BBRoomID = 2", {booking}).toInt(), 3);
+        QCOMPARE(m_t->db().scalar("select NoAdults from guest where BBBookingID = ? and BBRoomID = 2", {booking}).toInt(), 9);
         QCOMPARE(m_t->db().scalar("select TableName || ':' || bbtableId from dblog order by logid desc limit 1").toString(),
                  QStringLiteral("booking:%1").arg(booking));
 
@@ -124,6 +130,25 @@ private Q_SLOTS:
         QVERIFY(backwards.exitCode != 0);
         const Run noName = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1", "--surname", " "});
         QVERIFY(noName.exitCode != 0);
+
+        // What does not exist is refused with a message, not booked.
+        const Run noSuchRoom = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "77", "--surname", "X"});
+        QVERIFY(noSuchRoom.exitCode != 0);
+        QVERIFY(noSuchRoom.errors.contains("There is no room 77."));
+        const Run noSuchRate = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1:9999", "--surname", "X"});
+        QVERIFY(noSuchRate.exitCode != 0);
+        QVERIFY(noSuchRate.errors.contains("not offered"));
+        m_t->db().execute("insert into client (Surname, Active) values ('Retired', 'N')");
+        const QString retired = QString::number(m_t->db().lastInsertId());
+        const QString withRetired = snapshot();
+        const Run forRetired = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1", "--client", retired});
+        QVERIFY(forRetired.exitCode != 0);
+        QVERIFY(forRetired.errors.contains("retired"));
+        QCOMPARE(snapshot(), withRetired);
+        m_t->db().execute("delete from client where BBClientID = ?", {retired});
+        const Run toNoRoom = ctl({"booking", "room", QString::number(second), "--leg", "3", "--to-room", "77"});
+        QVERIFY(toNoRoom.exitCode != 0);
+        QVERIFY(toNoRoom.errors.contains("There is no room 77."));
 
         QCOMPARE(snapshot(), before);
     }

@@ -176,25 +176,100 @@ private Q_SLOTS:
         QCOMPARE(t.db().scalar("select count(*) from client").toInt(), 8);
     }
 
-    void prefixSearchUsesTheCaseInsensitiveIndexes_data()
+    // Stored name, what is typed, and whether it is found; in the box given.
+    void namesAreFoundWhateverTheirCaseInEveryAlphabet_data()
     {
         QTest::addColumn<int>("box");
-        QTest::addColumn<QString>("index");
-        QTest::newRow("first name") << 0 << "client_firstname";
-        QTest::newRow("surname") << 1 << "client_surname";
-        QTest::newRow("company") << 2 << "client_company";
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("found");
+        const auto u = [](const char *text) { return QString::fromUtf8(text); };
+        QTest::newRow("Spanish surname, small letters typed") << 1 << u("Ñúñez") << u("ñú") << true;
+        QTest::newRow("Spanish surname, capitals typed") << 1 << u("ñúñez") << u("ÑÚÑ") << true;
+        QTest::newRow("French first name") << 0 << u("Émile") << u("émile") << true;
+        QTest::newRow("first name stored in capitals") << 0 << u("ÉMILE") << u("Émi") << true;
+        QTest::newRow("decomposed accent in the stored name") << 0 << u("E\u0301mile") << u("émi") << true;
+        QTest::newRow("decomposed accent typed") << 0 << u("Émile") << u("e\u0301m") << true;
+        QTest::newRow("German") << 1 << u("Müller") << u("MÜL") << true;
+        QTest::newRow("Cyrillic") << 1 << u("Иванова") << u("иван") << true;
+        QTest::newRow("Greek") << 1 << u("Σοφία") << u("σοφ") << true;
+        QTest::newRow("company") << 2 << u("Ñandú Tours") << u("ñandú t") << true;
+        QTest::newRow("ASCII as before") << 1 << u("Smith") << u("SMI") << true;
+        QTest::newRow("wildcard between folded letters") << 1 << u("Ñúñez") << u("ñ_ñ") << true;
+        // Case is folded, accents are not dropped.
+        QTest::newRow("accent still counts") << 0 << u("Émile") << u("emi") << false;
+        QTest::newRow("still a prefix") << 1 << u("Ñúñez") << u("úñ") << false;
     }
 
-    void prefixSearchUsesTheCaseInsensitiveIndexes()
+    void namesAreFoundWhateverTheirCaseInEveryAlphabet()
     {
         QFETCH(int, box);
+        QFETCH(QString, stored);
+        QFETCH(QString, typed);
+        QFETCH(bool, found);
+        TestDatabase t;
+        QString names[3];
+        names[box] = stored;
+        const qint32 id = addClient(t.db(), box == 2 ? "C" : "I", names[0], names[1], names[2]);
+        addClient(t.db(), "I", "Other", "Other", "Other");
+        ClientSearchCriteria criteria;
+        QString *boxes[] = {&criteria.firstName, &criteria.surname, &criteria.company};
+        *boxes[box] = typed;
+        QCOMPARE(ids(t.db(), criteria), found ? QList<qint32>{id} : QList<qint32>{});
+    }
+
+    // Whoever writes the client (the record, plain SQL as the synchronisation
+    // writes), the folded names follow: renamed, retired, back, deleted.
+    void foldedNamesFollowEveryWriteOfAClient()
+    {
+        TestDatabase t;
+        const qint32 id = addClient(t.db(), "I", "Ana", QString::fromUtf8("Ñúñez"), "");
+        const ClientSearchCriteria nunez{"", QString::fromUtf8("ñúñ"), "", ""};
+        const ClientSearchCriteria oliveira{"", "oli", "", ""};
+        QCOMPARE(ids(t.db(), nunez), QList<qint32>{id});
+
+        Client client;
+        QVERIFY(client.fetch(t.db(), id));
+        client.Surname = QString::fromUtf8("OLIVEIRA");
+        client.update(t.db());
+        QCOMPARE(ids(t.db(), nunez), QList<qint32>{});
+        QCOMPARE(ids(t.db(), oliveira), QList<qint32>{id});
+
+        t.db().execute("update client set Active = 'N' where BBClientID = ?", {id});
+        QCOMPARE(ids(t.db(), oliveira), QList<qint32>{});
+        t.db().execute("update client set Active = 'Y', Surname = ? where BBClientID = ?", {QString::fromUtf8("Ñúñez"), id});
+        QCOMPARE(ids(t.db(), nunez), QList<qint32>{id});
+
+        t.db().execute("insert into client (BBClientID, Surname, Active) values (900, ?, 'Y')", {QString::fromUtf8("ÑÚÑO")});
+        QCOMPARE(ids(t.db(), nunez), (QList<qint32>{900, id}));
+        t.db().execute("delete from client where BBClientID = ?", {id});
+        QCOMPARE(ids(t.db(), nunez), QList<qint32>{900});
+        QCOMPARE(t.db().scalar("select count(*) from clientfold").toInt(), 1);
+    }
+
+    void prefixSearchUsesTheFoldedNameIndexes_data()
+    {
+        QTest::addColumn<int>("box");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("index");
+        QTest::newRow("first name") << 0 << "abc" << "clientfold_firstname";
+        QTest::newRow("surname") << 1 << "abc" << "clientfold_surname";
+        QTest::newRow("company") << 2 << "abc" << "clientfold_company";
+        QTest::newRow("surname beyond ASCII") << 1 << QString::fromUtf8("ÑÚ") << "clientfold_surname";
+        QTest::newRow("wildcard after the prefix") << 1 << "a_c" << "clientfold_surname";
+    }
+
+    void prefixSearchUsesTheFoldedNameIndexes()
+    {
+        QFETCH(int, box);
+        QFETCH(QString, typed);
         QFETCH(QString, index);
         TestDatabase t;
         for (int i = 0; i < 50; ++i)
             addClient(t.db(), "I", QString("F%1").arg(i), QString("S%1").arg(i), QString("C%1").arg(i));
         ClientSearchCriteria criteria;
         QString *boxes[] = {&criteria.firstName, &criteria.surname, &criteria.company};
-        *boxes[box] = "abc";
+        *boxes[box] = typed;
         const ClientSearchStatement statement = clientSearchStatement(criteria);
         QSqlQuery plan = t.db().query("explain query plan " + statement.sql, statement.values);
         QString details;

@@ -36,6 +36,18 @@ private Q_SLOTS:
         QVERIFY(bookingSources(t.db(), "Z").isEmpty());
     }
 
+    void sourcesSortAsNamesAndMatchInAnyCase()
+    {
+        TestDatabase t;
+        for (const char *source : {"website", "Agent", "Ñandú Tours", "Zebra Travel", "agency 10", "agency 9", "NUEVO"})
+            addBooking(t.db(), QString::fromUtf8(source));
+        QCOMPARE(bookingSources(t.db()), QStringList({"agency 9", "agency 10", "Agent", QString::fromUtf8("Ñandú Tours"),
+                                                      "NUEVO", "website", "Zebra Travel"}));
+        QCOMPARE(bookingSources(t.db(), QString::fromUtf8("ñan")), QStringList({QString::fromUtf8("Ñandú Tours")}));
+        QCOMPARE(bookingSources(t.db(), "WEB"), QStringList({"website"}));
+        QCOMPARE(bookingSources(t.db(), "nue"), QStringList({"NUEVO"}));
+    }
+
     void newestCommissionOfASourceWins()
     {
         TestDatabase t;

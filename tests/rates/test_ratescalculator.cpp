@@ -69,7 +69,19 @@ private Q_SLOTS:
         QTest::newRow("N: adult alone with paying child pays pax2") << "N" << 1 << 1 << 0 << P << 50.0 << R << 55.0 << 4 << 17 << 120.0;
         QTest::newRow("N: free younger child, adult pays pax1") << "N" << 1 << 1 << 0 << F << 0.0 << R << 55.0 << 4 << 17 << 100.0;
         QTest::newRow("N: free child with a rate still makes adult pay pax2") << "N" << 1 << 1 << 0 << F << 50.0 << R << 55.0 << 4 << 17 << 80.0;
-        QTest::newRow("T: free younger child, adult pays pax2") << "T" << 1 << 1 << 0 << F << 0.0 << R << 55.0 << 4 << 17 << 80.0;
+        // A lone adult with children under "T" and "S": the first child takes the
+        // second sharing place; a younger band on "F" frees the children after it.
+        QTest::newRow("T: free younger child at rate 0 pays pax2 beside the adult") << "T" << 1 << 1 << 0 << F << 0.0 << R << 55.0 << 4 << 17 << 160.0;
+        QTest::newRow("T: free younger child with a rate pays pax2") << "T" << 1 << 1 << 0 << F << 30.0 << R << 55.0 << 4 << 17 << 160.0;
+        QTest::newRow("T: younger children after the first are free") << "T" << 1 << 3 << 0 << F << 0.0 << R << 55.0 << 4 << 17 << 160.0;
+        QTest::newRow("T: older child takes the place, younger F free") << "T" << 1 << 1 << 1 << F << 30.0 << R << 55.0 << 4 << 17 << 160.0;
+        QTest::newRow("T: older band F pays pax2") << "T" << 1 << 0 << 1 << P << 50.0 << F << 0.0 << 4 << 17 << 160.0;
+        QTest::newRow("T: second younger child at child price") << "T" << 1 << 2 << 0 << P << 50.0 << R << 55.0 << 4 << 17 << 200.0;
+        QTest::newRow("S: free younger child at rate 0 stays free, adult pays pax1") << "S" << 1 << 1 << 0 << F << 0.0 << R << 55.0 << 4 << 17 << 100.0;
+        QTest::newRow("S: free younger child with a rate pays pax2") << "S" << 1 << 1 << 0 << F << 30.0 << R << 55.0 << 4 << 17 << 160.0;
+        QTest::newRow("S: younger children after the first are free") << "S" << 1 << 2 << 0 << F << 30.0 << R << 55.0 << 4 << 17 << 160.0;
+        QTest::newRow("S: unpaid older child passes the place to a younger F") << "S" << 1 << 1 << 1 << F << 30.0 << R << 0.0 << 4 << 17 << 160.0;
+        QTest::newRow("ST: no sharing place, younger F free") << "ST" << 1 << 1 << 0 << F << 30.0 << R << 55.0 << 4 << 17 << 100.0;
         QTest::newRow("T: older child at rate 0 pays pax2") << "T" << 1 << 0 << 1 << P << 50.0 << R << 0.0 << 4 << 17 << 160.0;
         QTest::newRow("S: first child charged as an adult") << "S" << 1 << 0 << 1 << P << 50.0 << R << 55.0 << 4 << 17 << 160.0;
         QTest::newRow("S: second child at child price") << "S" << 1 << 0 << 2 << P << 50.0 << R << 55.0 << 4 << 17 << 215.0;

@@ -164,21 +164,23 @@ private Q_SLOTS:
         messages::setSink(nullptr);
     }
 
-    void rateSheetListStartsWithRack()
+    void rateSheetListStartsWithRackThenNamesAsPeopleSortThem()
     {
         TestDatabase t;
-        for (const auto &[id, name] : {std::pair<int, const char *>{2, "CORPORATE"}, {0, "RACK"}, {1, "AGENT"}}) {
+        for (const auto &[id, name] : {std::pair<int, const char *>{2, "CORPORATE"}, {0, "RACK"}, {1, "AGENT"},
+                                       {3, "agent 10"}, {4, "agent 9"}}) {
             RateSheet sheet;
             sheet.BBRateSheetID = id;
             sheet.RateCode = name;
             sheet.update(t.db());
         }
         const std::vector<RateSheetChoice> list = rateSheetList(t.db());
-        QCOMPARE(list.size(), std::size_t(3));
+        QStringList names;
+        for (const RateSheetChoice &choice : list)
+            names << choice.name;
+        QCOMPARE(names, QStringList({"RACK", "AGENT", "agent 9", "agent 10", "CORPORATE"}));
         QCOMPARE(list[0].BBRateSheetID, 0);
-        QCOMPARE(list[0].name, QString("RACK"));
-        QCOMPARE(list[1].name, QString("AGENT"));
-        QCOMPARE(list[2].BBRateSheetID, 2);
+        QCOMPARE(list[4].BBRateSheetID, 2);
 
         TestDatabase empty;
         QCOMPARE(rateSheetList(empty.db()).size(), std::size_t(1));

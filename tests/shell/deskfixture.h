@@ -1,12 +1,11 @@
 #pragma once
 
-// Small rows for the desk's tests: rooms, clients, bookings and a recording
-// message sink.
+// Small rows for the desk's tests: rooms, clients and bookings.
 
 #include "bookings/bookingrecords.h"
 #include "clients/clientrecords.h"
 #include "shell/database.h"
-#include "shell/messages.h"
+#include "support/recordingsink.h"
 
 #include <QStringList>
 
@@ -56,24 +55,5 @@ inline qint32 addBooking(fenlark::Database &db, qint32 room, qint32 client, QDat
     g.update(db);
     return b.BBBookingID;
 }
-
-// Records the messages and answers questions from a queue (default No).
-class RecordingSink : public fenlark::MessageSink {
-public:
-    RecordingSink() { fenlark::messages::setSink(this); }
-    ~RecordingSink() override { fenlark::messages::setSink(nullptr); }
-    void show(const fenlark::UserMessage &m) override { shown << m.text; titles << m.title; }
-    bool ask(const fenlark::UserMessage &m) override
-    {
-        asked << m.title;
-        if (answers.empty())
-            return false;
-        const bool a = answers.front();
-        answers.erase(answers.begin());
-        return a;
-    }
-    QStringList shown, titles, asked;
-    std::vector<bool> answers;
-};
 
 } // namespace deskfixture

@@ -1,6 +1,5 @@
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
-#include "shell/provisional.h"
 #include "shell/session.h"
 #include "support/testdatabase.h"
 #include "deskfixture.h"
@@ -14,13 +13,6 @@ namespace {
 
 const QDate D0(2026, 3, 2);   // a Monday
 
-class FakeHost : public ProvisionalHost {
-public:
-    int restored = 0;
-    std::vector<std::pair<qint32, qint32>> opened;
-    void restoreWindow() override { ++restored; }
-    void openBooking(qint32 b, qint32 r) override { opened.emplace_back(b, r); }
-};
 
 } // namespace
 
@@ -227,20 +219,21 @@ private Q_SLOTS:
     void nightsEntryIsChecked_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("empty") << "" << "Incomplete number of nights";
-        QTest::newRow("zero") << "0" << "Type in a positive number of nights";
-        QTest::newRow("letters") << "ab" << "Type in a positive number of nights";
-        QTest::newRow("good") << "3" << "";
+        QTest::addColumn<int>("refusal");
+        QTest::newRow("empty") << "" << 2280;
+        QTest::newRow("zero") << "0" << 2278;
+        QTest::newRow("letters") << "ab" << 2278;
+        QTest::newRow("good") << "3" << 0;
     }
 
     void nightsEntryIsChecked()
     {
         QFETCH(QString, text);
-        QFETCH(QString, title);
-        RecordingSink sink;
-        QCOMPARE(checkNights(text), title.isEmpty());
-        QCOMPARE(sink.titles, title.isEmpty() ? QStringList() : QStringList{title});
+        QFETCH(int, refusal);
+        const Outcome checked = checkNights(text);
+        QCOMPARE(bool(checked), refusal == 0);
+        if (!checked)
+            QCOMPARE(checked.refusal().id(), refusal);
     }
 
     void eventChecksRunInOrderAndLeaveTheEventItselfOut()
@@ -253,14 +246,13 @@ private Q_SLOTS:
         e.EventNote = "Holiday";
         e.update(t.db());
         RecordingSink sink;
-        QVERIFY(!EventRules::validate(t.db(), " ", D0.addDays(5), D0, 1, 0));
-        QVERIFY(!EventRules::validate(t.db(), "x", D0.addDays(5), D0, 1, 0));
-        QVERIFY(!EventRules::validate(t.db(), "x", D0.addDays(3), D0.addDays(5), 1, 0));
-        QCOMPARE(sink.titles, (QStringList{"No event text entered", "Incorrect dates", "Overlapping event dates"}));
+        QCOMPARE(EventRules::validate(t.db(), " ", D0.addDays(5), D0, 1, 0).refusal().id(), 1702);
+        QCOMPARE(EventRules::validate(t.db(), "x", D0.addDays(5), D0, 1, 0).refusal().id(), 1704);
+        QCOMPARE(EventRules::validate(t.db(), "x", D0.addDays(3), D0.addDays(5), 1, 0).refusal().id(), 5110);
         QVERIFY(EventRules::validate(t.db(), "x", D0.addDays(4), D0.addDays(4), 1, 0));   // one day, just after
         QVERIFY(EventRules::validate(t.db(), "x", D0, D0.addDays(3), 2, 0));              // another header row
         QVERIFY(EventRules::validate(t.db(), "x", D0.addDays(-1), D0.addDays(2), 1, e.BBEventID));
-        QCOMPARE(sink.titles.size(), 3);
+        QVERIFY(sink.shown.isEmpty());
 
         CalendarEvents events;
         events.load(t.db(), D0.addDays(2), D0.addDays(10));
@@ -268,44 +260,6 @@ private Q_SLOTS:
         QVERIFY(!events.find(D0.addDays(4), 1));
         QVERIFY(!events.find(D0.addDays(3), 2));
         QVERIFY(!events.find(D0, 1));   // outside the window
-    }
-
-    void provisionalBookingsPastTheirHoldAreRemindedOnce()
-    {
-        TestDatabase t;
-        const qint32 c = addClient(t.db(), "Hugo", "Ramos");
-        const QDateTime now(QDate(2026, 3, 1), QTime(12, 0));
-        auto hold = [&](qint32 id, const QDateTime &until) {
-            t.db().execute("update booking set ReservedUntil = ? where BBBookingID = ?", {sqlDateTime(until), id});
-        };
-        const qint32 expired = addBooking(t.db(), 4, c, D0, 2, "P");
-        hold(expired, now.addSecs(-60));
-        const qint32 later = addBooking(t.db(), 5, c, D0, 2, "P");
-        hold(later, now.addSecs(3600));
-        const qint32 reserved = addBooking(t.db(), 6, c, D0, 2, "R");
-        hold(reserved, now.addSecs(-60));
-        const qint32 second = addBooking(t.db(), 7, c, D0, 2, "P");
-        hold(second, now.addSecs(-3600));
-        t.db().execute("delete from dblog");
-
-        RecordingSink sink;
-        sink.answers = {true, false};
-        FakeHost host;
-        QCOMPARE(Provisional::checkExpired(t.db(), host, now), 2);
-        QCOMPARE(sink.asked.size(), 2);
-        QVERIFY(sink.asked[0].startsWith("Booking Reminder - Hugo Ramos arriving "));
-        QCOMPARE(host.opened, (std::vector<std::pair<qint32, qint32>>{{expired, 4}}));
-        QCOMPARE(host.restored, 2);
-
-        Booking b;
-        QVERIFY(b.fetch(t.db(), second));
-        QCOMPARE(b.ReservedUntil, now.addSecs(4 * 3600));
-        QCOMPARE(t.db().scalar("select count(*) from dblog where TableName = 'booking' and bbtableId = ?", {second}).toInt(), 1);
-
-        // The one opened is left as it was, so it comes back; the postponed one waits.
-        sink.answers = {false};
-        QCOMPARE(Provisional::checkExpired(t.db(), host, now.addSecs(60)), 1);
-        QCOMPARE(Provisional::checkExpired(t.db(), host, now.addSecs(5 * 3600)), 3);
     }
 
     void detailsDescribeTheParty()

@@ -89,6 +89,41 @@ private Q_SLOTS:
         QCOMPARE(digest(path), before);
     }
 
+    // A file of the schema before folded names: opening it folds the names of
+    // the clients it already holds, and writes from then on keep them folded.
+    void olderDatabaseGetsItsClientNamesFoldedOnOpen()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("older.db");
+        Database::open(path).reset();
+        {
+            QSqlDatabase raw = QSqlDatabase::addDatabase("QSQLITE", "older");
+            raw.setDatabaseName(path);
+            raw.open();
+            for (const char *sql : {"drop trigger client_fold_insert", "drop trigger client_fold_update",
+                                    "drop trigger client_fold_delete", "drop table clientfold",
+                                    "create index client_surname on client (Surname collate nocase, Active)",
+                                    "create index client_firstname on client (FirstName collate nocase, Active)",
+                                    "create index client_company on client (Company collate nocase, Active)",
+                                    "pragma user_version = 3"})
+                QVERIFY2(QSqlQuery(raw).exec(sql), sql);
+            QSqlQuery insert(raw);
+            insert.prepare("insert into client (BBClientID, FirstName, Surname, Active) values (4, ?, ?, 'Y')");
+            insert.addBindValue(QString::fromUtf8("ÉMILE"));
+            insert.addBindValue(QString::fromUtf8("Ñúñez"));
+            QVERIFY(insert.exec());
+            raw.close();
+        }
+        QSqlDatabase::removeDatabase("older");
+
+        auto db = Database::open(path);
+        QCOMPARE(db->scalar("pragma user_version").toInt(), Schema::currentVersion());
+        QCOMPARE(db->scalar("select FirstName || '/' || Surname from clientfold where BBClientID = 4").toString(),
+                 QString::fromUtf8("émile/ñúñez"));
+        db->execute("update client set Surname = 'Smith' where BBClientID = 4");
+        QCOMPARE(db->scalar("select Surname from clientfold where BBClientID = 4").toString(), QString("smith"));
+    }
+
     void innerTransactionRollsBackAloneOuterCommits()
     {
         TestDatabase t;

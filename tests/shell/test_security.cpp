@@ -6,7 +6,6 @@
 #include <QtTest>
 
 using namespace fenlark;
-using deskfixture::RecordingSink;
 
 namespace {
 
@@ -42,16 +41,16 @@ private Q_SLOTS:
         QTest::addColumn<QString>("bbid");
         QTest::addColumn<QString>("password");
         QTest::addColumn<int>("problem");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("letters") << "abc" << "" << int(PropertyLogin::BBIDNotNumeric) << "Valid BBID required";
-        QTest::newRow("empty") << "" << "pw" << int(PropertyLogin::BBIDNotNumeric) << "Valid BBID required";
-        QTest::newRow("decimal") << "12345.5" << "pw" << int(PropertyLogin::BBIDNotNumeric) << "Valid BBID required";
-        QTest::newRow("9999") << "9999" << "" << int(PropertyLogin::BBIDOutOfRange) << "Incorrect BBID";
-        QTest::newRow("32768") << "32768" << "pw" << int(PropertyLogin::BBIDOutOfRange) << "Incorrect BBID";
-        QTest::newRow("negative") << "-10000" << "pw" << int(PropertyLogin::BBIDOutOfRange) << "Incorrect BBID";
-        QTest::newRow("no password") << "10000" << "" << int(PropertyLogin::PasswordEmpty) << "Valid password required";
-        QTest::newRow("lowest") << "10000" << "pw" << int(PropertyLogin::NoProblem) << "";
-        QTest::newRow("highest") << "32767" << "p\"w'" << int(PropertyLogin::NoProblem) << "";
+        QTest::addColumn<int>("message");
+        QTest::newRow("letters") << "abc" << "" << int(PropertyLogin::BBIDNotNumeric) << 5102;
+        QTest::newRow("empty") << "" << "pw" << int(PropertyLogin::BBIDNotNumeric) << 5102;
+        QTest::newRow("decimal") << "12345.5" << "pw" << int(PropertyLogin::BBIDNotNumeric) << 5102;
+        QTest::newRow("9999") << "9999" << "" << int(PropertyLogin::BBIDOutOfRange) << 5104;
+        QTest::newRow("32768") << "32768" << "pw" << int(PropertyLogin::BBIDOutOfRange) << 5104;
+        QTest::newRow("negative") << "-10000" << "pw" << int(PropertyLogin::BBIDOutOfRange) << 5104;
+        QTest::newRow("no password") << "10000" << "" << int(PropertyLogin::PasswordEmpty) << 5106;
+        QTest::newRow("lowest") << "10000" << "pw" << int(PropertyLogin::NoProblem) << 0;
+        QTest::newRow("highest") << "32767" << "p\"w'" << int(PropertyLogin::NoProblem) << 0;
     }
 
     void propertyLogOnChecksInOrder()
@@ -59,12 +58,12 @@ private Q_SLOTS:
         QFETCH(QString, bbid);
         QFETCH(QString, password);
         QFETCH(int, problem);
-        QFETCH(QString, title);
+        QFETCH(int, message);
         RecordingSink sink;
         PropertyLogin::Problem found = PropertyLogin::NoProblem;
         QCOMPARE(PropertyLogin::validate(bbid, password, &found), problem == PropertyLogin::NoProblem);
         QCOMPARE(int(found), problem);
-        QCOMPARE(sink.titles, title.isEmpty() ? QStringList() : QStringList{title});
+        QCOMPARE(sink.shownIds(), message == 0 ? QList<int>() : QList<int>{message});
     }
 
     void bindingAnEmptyDatabaseCreatesTheSetupRow()
@@ -84,18 +83,21 @@ private Q_SLOTS:
         QCOMPARE(int(s.BBID), 23457);
     }
 
-    void userListPutsAdminFirstAndIsEmptyWithoutUsers()
+    void userListPutsAdminFirstThenNamesAsPeopleSortThem()
     {
         TestDatabase t;
         QVERIFY(UserLogin::userList(t.db()).empty());
-        t.db().execute("insert into vmuser values(7, 'zoe', 'z', 0)");
-        t.db().execute("insert into vmuser values(3, 'anne', 'a', 0)");
+        t.db().execute("insert into vmuser values(7, 'Zed', 'z', 0)");
+        t.db().execute("insert into vmuser values(3, 'bob', 'b', 0)");
+        t.db().execute("insert into vmuser values(5, ?, 'e', 0)", {QString::fromUtf8("Émile")});
+        t.db().execute("insert into vmuser values(9, 'Anne', 'a', 0)");
         const auto list = UserLogin::userList(t.db());
-        QCOMPARE(list.size(), std::size_t(3));
-        QCOMPARE(list[0].first, QString("admin"));
+        QStringList names;
+        for (const auto &[name, id] : list)
+            names << name;
+        QCOMPARE(names, QStringList({"admin", "Anne", "bob", QString::fromUtf8("Émile"), "Zed"}));
         QCOMPARE(list[0].second, 0);
-        QCOMPARE(list[1].first, QString("anne"));
-        QCOMPARE(list[2].second, 7);
+        QCOMPARE(list[4].second, 7);
     }
 
     void adminOpensWithPasswordOrSecondPassword_data()
@@ -181,7 +183,7 @@ private Q_SLOTS:
         }
         RecordingSink sink;
         QCOMPARE(checkPermission(u, SecurityAction(action)), !allowed);
-        QCOMPARE(sink.titles, allowed ? QStringList() : QStringList{"Permission denied."});
+        QCOMPARE(sink.shownIds(), allowed ? QList<int>() : QList<int>{5100});
     }
 
     void autoAdminHasEveryRight()

@@ -61,7 +61,7 @@ public:
     bool active = true;
     int expiredChecks = 0;
     int synchs = 0;
-    bool mainWindowActive() override { return active; }
+    bool deskIdle() override { return active; }
     void checkExpired() override { ++expiredChecks; }
     void synchronise() override { ++synchs; }
 };

@@ -1,8 +1,43 @@
 #include "shell/strings.h"
 
+#include <QDirIterator>
 #include <QtTest>
 
 using namespace fenlark;
+
+namespace {
+
+// The string ids the program's code asks for with an English text: the first
+// argument of getString, Refusal and the messages, and the title id that
+// follows its text. Read from the sources, so a new text cannot ship in one
+// language only.
+QMap<int, QString> idsAskedForIn(const QString &folder)
+{
+    // name( id , QStringLiteral("text" "text") [, titleId, QStringLiteral(]
+    static const QString literal = QStringLiteral("\"(?:[^\"\\\\]|\\\\.)*\"");
+    static const QRegularExpression call(QStringLiteral("(?:getString|Refusal|critical|inform|warning|ask|then)\\(\\s*(\\d+)\\s*,"
+                                                        "\\s*QStringLiteral\\(((?:\\s*%1\\s*)+)\\)"
+                                                        "(?:\\s*,\\s*(\\d+)\\s*,\\s*QStringLiteral\\()?")
+                                             .arg(literal));
+    QMap<int, QString> ids;
+    QDirIterator files(folder, {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QString text = QString::fromUtf8(file.readAll());
+        for (const QRegularExpressionMatch &m : call.globalMatch(text)) {
+            for (int group : {1, 3}) {
+                const int id = m.captured(group).toInt();
+                if (id > 0)
+                    ids.insert(id, QFileInfo(file.fileName()).fileName());
+            }
+        }
+    }
+    return ids;
+}
+
+} // namespace
 
 class TestStrings : public QObject {
     Q_OBJECT
@@ -19,6 +54,20 @@ private Q_SLOTS:
         QCOMPARE(esIds - enIds, QSet<int>());
         for (auto it = es.cbegin(); it != es.cend(); ++it)
             QVERIFY2(!it.value().isEmpty(), qPrintable(QString::number(it.key())));
+    }
+
+    void everyIdTheCodeAsksForIsInEveryLanguage()
+    {
+        const QMap<int, QString> asked = idsAskedForIn(QStringLiteral(FENLARK_SOURCE_DIR "/src"));
+        QVERIFY(asked.size() > 300);
+        for (int language : {EnglishLanguage, SpanishLanguage}) {
+            const auto table = StringTable::load(language);
+            QStringList missing;
+            for (auto it = asked.cbegin(); it != asked.cend(); ++it)
+                if (!table.contains(it.key()))
+                    missing << QStringLiteral("%1 (%2)").arg(it.key()).arg(it.value());
+            QVERIFY2(missing.isEmpty(), qPrintable(StringTable::languageName(language) + QStringLiteral(": ") + missing.join(", ")));
+        }
     }
 
     void tablesKeepBlanksAmpersandsAndPlaceholders()

@@ -4,7 +4,10 @@
 
 #include <QList>
 
-// Records the messages the core shows and answers its questions as told.
+#include <vector>
+
+// Records the messages the program shows and answers its questions: from the
+// queue of answers while it lasts, then with the default answer.
 class RecordingSink : public fenlark::MessageSink {
 public:
     RecordingSink() { fenlark::messages::setSink(this); }
@@ -14,10 +17,34 @@ public:
     bool ask(const fenlark::UserMessage &message) override
     {
         asked << message;
-        return answer;
+        if (answers.empty())
+            return answer;
+        const bool a = answers.front();
+        answers.erase(answers.begin());
+        return a;
+    }
+
+    // The string ids of what was shown and asked, in order.
+    QList<int> shownIds() const { return idsOf(shown); }
+    QList<int> askedIds() const { return idsOf(asked); }
+    int lastShownId() const { return shown.isEmpty() ? -1 : shown.last().id; }
+    void clear()
+    {
+        shown.clear();
+        asked.clear();
     }
 
     QList<fenlark::UserMessage> shown;
     QList<fenlark::UserMessage> asked;
+    std::vector<bool> answers;
     bool answer = true;
+
+private:
+    static QList<int> idsOf(const QList<fenlark::UserMessage> &messages)
+    {
+        QList<int> ids;
+        for (const fenlark::UserMessage &m : messages)
+            ids << m.id;
+        return ids;
+    }
 };

@@ -1,3 +1,4 @@
+#include "clients/clientsearch.h"
 #include "shell/changelog.h"
 #include "shell/database.h"
 #include "synch/pcupdates.h"
@@ -166,6 +167,27 @@ private Q_SLOTS:
         QCOMPARE(t.db().scalar(QStringLiteral("select count(*) from client")).toInt(), 1);
         QCOMPARE(t.db().scalar(QStringLiteral("select ClientID from client")).toInt(), 40);
         QCOMPARE(ChangeLog::count(t.db()), 1); // the local change still goes up
+    }
+
+    // Clients written by the synchronisation are found by the client search in
+    // any case, renamed and deleted there as well.
+    void clientsFromTheServerAreFoundWhateverTheCaseTyped()
+    {
+        TestDatabase t;
+        ServerUpdateApplier applier(t.db());
+        const auto surnameSearch = [&](const char *typed) {
+            return searchClientIds(t.db(), {QString(), QString::fromUtf8(typed), QString(), QString()});
+        };
+        applier.applyServerUpdates(updatesOf(R"({"logupdates":[{"tablename":"client","logtype":"U","dblogid":1,"tableid":61,
+            "values":{"ClientID":61,"Surname":"Ñúñez","Active":"Y"}}]})"));
+        const std::vector<qint32> found = surnameSearch("ñú");
+        QCOMPARE(found.size(), std::size_t(1));
+        applier.applyServerUpdates(updatesOf(R"({"logupdates":[{"tablename":"client","logtype":"U","dblogid":2,"tableid":61,
+            "values":{"ClientID":61,"Surname":"Émile","Active":"Y"}}]})"));
+        QVERIFY(surnameSearch("ñú").empty());
+        QCOMPARE(surnameSearch("ÉMI"), found);
+        applier.applyServerUpdates(updatesOf(R"({"logupdates":[{"tablename":"client","logtype":"D","dblogid":3,"tableid":61}]})"));
+        QVERIFY(surnameSearch("émi").empty());
     }
 
     void shortenedStayKeepsLocalRatesAndDropsTheRest()

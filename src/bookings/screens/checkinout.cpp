@@ -1,8 +1,7 @@
 #include "bookings/screens/checkinout.h"
 
-#include "bookings/screens/viewbooking.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
-#include "shell/screens/mainwindow.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
@@ -18,8 +17,8 @@ namespace {
 enum Column { ColBooking, ColRoomId, ColRoom, ColClient, ColumnCount };
 }
 
-CheckInOut::CheckInOut(MainWindow &frmMain, StayEnd end, QWidget *parent)
-    : QDialog(parent), viewBooking(&ViewBooking::initialise), m_main(frmMain), m_end(end)
+CheckInOut::CheckInOut(Session &session, StayEnd end, OpenBooking viewBooking, QWidget *parent)
+    : QDialog(parent), m_session(session), m_viewBooking(std::move(viewBooking)), m_end(end)
 {
     setObjectName(QStringLiteral("dlgBookings"));
     setWindowTitle(end == StayEnd::Arrivals ? getString(5963, QStringLiteral("Check-Ins"))
@@ -40,20 +39,20 @@ CheckInOut::CheckInOut(MainWindow &frmMain, StayEnd end, QWidget *parent)
     layout->addLayout(buttons);
     resize(480, 360);
 
-    connect(gdBookings, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { openRow(row); });
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(gdBookings, &QTableWidget::cellDoubleClicked, this, guarded([this](int row, int) { openRow(row); }));
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
 }
 
-void CheckInOut::initialise(MainWindow &frmMain, int mode)
+void CheckInOut::initialise(Session &session, StayEnd end, const OpenBooking &viewBooking, QWidget *parent)
 {
-    CheckInOut dialog(frmMain, mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, &frmMain);
+    CheckInOut dialog(session, end, viewBooking, parent);
     dialog.fill();
     dialog.exec();
 }
 
 void CheckInOut::fill()
 {
-    const std::vector<DayLeg> legs = legsOfTheDay(m_main.session().db(), m_end, QDate::currentDate());
+    const std::vector<DayLeg> legs = legsOfTheDay(m_session.db(), m_end, QDate::currentDate());
     gdBookings->setRowCount(static_cast<int>(legs.size()));
     for (int r = 0; r < static_cast<int>(legs.size()); ++r) {
         const DayLeg &leg = legs[static_cast<size_t>(r)];
@@ -68,7 +67,7 @@ void CheckInOut::openRow(int row)
 {
     if (row < 0 || row >= gdBookings->rowCount())
         return;
-    viewBooking(m_main, gdBookings->item(row, ColBooking)->text().toInt(), gdBookings->item(row, ColRoomId)->text().toInt());
+    m_viewBooking(gdBookings->item(row, ColBooking)->text().toInt(), gdBookings->item(row, ColRoomId)->text().toInt());
     fill();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bookings/checkinout.h"
+#include "bookings/screens/doublebook.h"
 
 #include <QDialog>
 
@@ -11,30 +12,29 @@ class QTableWidget;
 
 namespace fenlark {
 
-class MainWindow;
+class Session;
 
 // dlgBookings: today's arrivals or departures; a double-click opens the booking.
 class CheckInOut : public QDialog {
     Q_OBJECT
 public:
-    CheckInOut(MainWindow &frmMain, StayEnd end, QWidget *parent = nullptr);
+    CheckInOut(Session &session, StayEnd end, OpenBooking viewBooking, QWidget *parent = nullptr);
 
-    // The desk's Check-In (mode 1) and Check-Out buttons.
-    static void initialise(MainWindow &frmMain, int mode);
+    // The desk's Check-In and Check-Out buttons.
+    static void initialise(Session &session, StayEnd end, const OpenBooking &viewBooking, QWidget *parent = nullptr);
 
     // Lists the legs of the day again.
     void fill();
     // Opens the booking editor on the leg of a row, then lists again.
     void openRow(int row);
 
-    // Opens the booking editor; tests answer without the modal editor.
-    std::function<void(MainWindow &, qint32 bbBookingId, qint32 bbRoomId)> viewBooking;
 
     QTableWidget *gdBookings = nullptr;
     QPushButton *cmdExit = nullptr;
 
 private:
-    MainWindow &m_main;
+    Session &m_session;
+    OpenBooking m_viewBooking;
     StayEnd m_end;
 };
 

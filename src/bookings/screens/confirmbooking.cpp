@@ -1,17 +1,15 @@
 #include "bookings/screens/confirmbooking.h"
 
-#include "bookings/newbooking.h"
-#include "bookings/screens/viewbooking.h"
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
 #include "rates/roomrates.h"
-#include "shell/screens/mainwindow.h"
+#include "shell/screens/guard.h"
 #include "shell/session.h"
 #include "shell/strings.h"
+#include "shell/textformat.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
@@ -23,8 +21,6 @@ namespace fenlark {
 
 namespace {
 
-enum Column { ColRoomId, ColRoom, ColRate, ColAdults, ColChild1, ColChild2, ColumnCount };
-
 QSpinBox *countBox(int value)
 {
     auto *box = new QSpinBox;
@@ -35,47 +31,57 @@ QSpinBox *countBox(int value)
 
 } // namespace
 
-ConfirmBooking::ConfirmBooking(MainWindow &frmMain, const std::vector<qint32> &roomIds, QDate arrival, int nights,
-                               QWidget *parent)
-    : QDialog(parent), m_main(frmMain), m_arrival(arrival), m_departure(arrival.addDays(nights))
+ConfirmBooking::ConfirmBooking(Session &session, const RateData &rates, const std::vector<qint32> &roomIds, QDate arrival,
+                               int nights, QWidget *parent)
+    : QDialog(parent), m_session(session), m_rates(rates), m_arrival(arrival), m_departure(arrival.addDays(nights))
 {
     setObjectName(QStringLiteral("dlgBookConfirm"));
     setWindowTitle(getString(5840, QStringLiteral("Confirm Booking")));
     auto *layout = new QVBoxLayout(this);
 
     const QString format = QStringLiteral("ddd dd MMM yyyy");
-    auto *outArriving = new QLabel(getString(5841, QStringLiteral("Arriving: ")) + QLocale().toString(arrival, format));
+    auto *outArriving = new QLabel(getString(5841, QStringLiteral("Arriving: ")) + deskLocale().toString(arrival, format));
     outArriving->setObjectName(QStringLiteral("outArriving"));
-    auto *outLeaving = new QLabel(getString(5842, QStringLiteral("Leaving: ")) + QLocale().toString(m_departure, format));
+    auto *outLeaving = new QLabel(getString(5842, QStringLiteral("Leaving: ")) + deskLocale().toString(m_departure, format));
     outLeaving->setObjectName(QStringLiteral("outLeaving"));
     layout->addWidget(outArriving);
     layout->addWidget(outLeaving);
 
     clientSearch = new ucClientSearch(this);
-    clientSearch->initialise(this, frmMain.session().db());
+    clientSearch->initialise(this, session.db());
     layout->addWidget(clientSearch);
 
     ChildPolicy policy;
-    policy.fetchChildPolicy(frmMain.session().db());
+    policy.fetchChildPolicy(session.db());
     gdRooms = new QTableWidget(int(roomIds.size()), ColumnCount, this);
     gdRooms->setObjectName(QStringLiteral("gdRooms"));
     const QString children = getString(5843, QStringLiteral("Children"));
     gdRooms->setHorizontalHeaderLabels({getString(5844, QStringLiteral("Room ID")), getString(5845, QStringLiteral("Room")),
                                         getString(5846, QStringLiteral("Applied Rate")),
                                         getString(5847, QStringLiteral("Adults")), children + QLatin1Char('\n') + policy.label1,
-                                        children + QLatin1Char('\n') + policy.label2});
+                                        children + QLatin1Char('\n') + policy.label2,
+                                        getString(5987, QStringLiteral("Stay total"))});
     gdRooms->setColumnHidden(ColRoomId, true);
     gdRooms->setColumnWidth(ColRoom, 100);
     gdRooms->setColumnWidth(ColRate, 150);
     gdRooms->setColumnWidth(ColAdults, 60);
     gdRooms->setColumnWidth(ColChild1, 60);
     gdRooms->setColumnWidth(ColChild2, 60);
+    gdRooms->setColumnWidth(ColStayTotal, 90);
     gdRooms->setColumnHidden(ColChild1, policy.ChildAge1 == 0);
     gdRooms->setColumnHidden(ColChild2, policy.ChildAge2 == 0);
     gdRooms->verticalHeader()->hide();
     for (int row = 0; row < int(roomIds.size()); ++row)
         addRoomRow(row, roomIds[size_t(row)]);
     layout->addWidget(gdRooms);
+
+    lblTotal = new QLabel(this);
+    lblTotal->setObjectName(QStringLiteral("lblTotal"));
+    lblTotal->setAlignment(Qt::AlignRight);
+    QFont bold = lblTotal->font();
+    bold.setBold(true);
+    lblTotal->setFont(bold);
+    layout->addWidget(lblTotal);
 
     auto *narr = new QLabel(getString(5848, QStringLiteral("Click on the cells if you want to make a change to the rate "
                                                            "or the number of adults/children.")));
@@ -88,36 +94,45 @@ ConfirmBooking::ConfirmBooking(MainWindow &frmMain, const std::vector<qint32> &r
     buttons->button(QDialogButtonBox::Ok)->setText(getString(5849, QStringLiteral("OK")));
     buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cmdCancel"));
     buttons->button(QDialogButtonBox::Cancel)->setText(getString(5850, QStringLiteral("Cancel")));
-    connect(buttons, &QDialogButtonBox::accepted, this, &ConfirmBooking::cmdOK);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(buttons, &QDialogButtonBox::accepted, this, guarded(this, &ConfirmBooking::cmdOK));
+    connect(buttons, &QDialogButtonBox::rejected, this, guarded(this, &QDialog::reject));
     layout->addWidget(buttons);
-    resize(560, 560);
+    // The client's rate sheet prices the stay: a change of client changes the price.
+    connect(clientSearch, &ucClientSearch::clientChanged, this, guarded(this, &ConfirmBooking::showQuote));
+    showQuote();
+    resize(640, 580);
 }
 
 void ConfirmBooking::addRoomRow(int row, qint32 roomId)
 {
-    Session &session = m_main.session();
     gdRooms->setItem(row, ColRoomId, new QTableWidgetItem(QString::number(roomId)));
-    auto *name = new QTableWidgetItem(session.property().RoomName(roomId));
+    auto *name = new QTableWidgetItem(m_session.property().RoomName(roomId));
     name->setFlags(name->flags() & ~Qt::ItemIsEditable);
     gdRooms->setItem(row, ColRoom, name);
+    auto *total = new QTableWidgetItem;
+    total->setFlags(total->flags() & ~Qt::ItemIsEditable);
+    total->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    gdRooms->setItem(row, ColStayTotal, total);
 
     auto *rate = new QComboBox;
     rate->setObjectName(QStringLiteral("ratecode%1").arg(row));
     rate->addItem(getString(5851, QStringLiteral("No rate selected")), 0);
-    const RateData data = RateData::load(session.db());
-    for (const OfferedRate &offered : offeredRates(data, m_arrival, m_departure, roomId))
+    for (const OfferedRate &offered : offeredRates(m_rates, m_arrival, m_departure, roomId))
         rate->addItem(offered.name, offered.BBRateID);
     rate->setCurrentIndex(rate->count() > 1 ? 1 : 0);
     gdRooms->setCellWidget(row, ColRate, rate);
-    gdRooms->setCellWidget(row, ColAdults, countBox(defaultAdults(session.getPreference(QStringLiteral("DEFUSER")))));
-    gdRooms->setCellWidget(row, ColChild1, countBox(0));
-    gdRooms->setCellWidget(row, ColChild2, countBox(0));
+    connect(rate, &QComboBox::currentIndexChanged, this, guarded(this, &ConfirmBooking::showQuote));
+    const qint16 adults = defaultAdults(m_session.getPreference(QStringLiteral("DEFUSER")));
+    for (const auto &[column, value] : {std::pair{int(ColAdults), int(adults)}, std::pair{int(ColChild1), 0},
+                                        std::pair{int(ColChild2), 0}}) {
+        QSpinBox *box = countBox(value);
+        gdRooms->setCellWidget(row, column, box);
+        connect(box, &QSpinBox::valueChanged, this, guarded(this, &ConfirmBooking::showQuote));
+    }
 }
 
-void ConfirmBooking::cmdOK()
+NewBookingRequest ConfirmBooking::request() const
 {
-    Session &session = m_main.session();
     NewBookingRequest request;
     request.FromDate = m_arrival;
     request.ToDate = m_departure;
@@ -125,48 +140,50 @@ void ConfirmBooking::cmdOK()
     request.firstName = clientSearch->FirstName();
     request.surname = clientSearch->Surname();
     request.company = clientSearch->Company();
+    const auto count = [this](int row, int column) {
+        return gdRooms->isColumnHidden(column) ? qint16(0)
+                                               : static_cast<qint16>(static_cast<QSpinBox *>(gdRooms->cellWidget(row, column))->value());
+    };
     for (int row = 0; row < gdRooms->rowCount(); ++row) {
         NewBookingRoom room;
         room.BBRoomID = gdRooms->item(row, ColRoomId)->text().toInt();
         room.BBRateID = static_cast<QComboBox *>(gdRooms->cellWidget(row, ColRate))->currentData().toInt();
-        room.NoAdults = static_cast<qint16>(static_cast<QSpinBox *>(gdRooms->cellWidget(row, ColAdults))->value());
-        if (!gdRooms->isColumnHidden(ColChild1))
-            room.Child1 = static_cast<qint16>(static_cast<QSpinBox *>(gdRooms->cellWidget(row, ColChild1))->value());
-        if (!gdRooms->isColumnHidden(ColChild2))
-            room.Child2 = static_cast<qint16>(static_cast<QSpinBox *>(gdRooms->cellWidget(row, ColChild2))->value());
+        room.NoAdults = count(row, ColAdults);
+        room.Child1 = count(row, ColChild1);
+        room.Child2 = count(row, ColChild2);
         request.rooms.push_back(room);
     }
+    return request;
+}
 
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    const RateData rates = RateData::load(session.db());
-    std::optional<NewBookingResult> result;
-    try {
-        result = BookingWriter(session.db(), rates, session.setup(), session.getUser()).save(request, &session.calendar());
-    } catch (...) {
-        QGuiApplication::restoreOverrideCursor();
-        throw;
-    }
-    QGuiApplication::restoreOverrideCursor();
-    if (!result) {
-        if (request.BBClientID == 0 && !clientSearch->hasName())
+void ConfirmBooking::showQuote()
+{
+    // Rows are still being added while the first ones are wired up.
+    for (int row = 0; row < gdRooms->rowCount(); ++row)
+        if (!gdRooms->item(row, ColRoomId) || !gdRooms->cellWidget(row, ColChild2))
+            return;
+    const NewBookingQuote quote = quoteNewBooking(m_session.db(), m_rates, request());
+    for (int row = 0; row < gdRooms->rowCount(); ++row)
+        gdRooms->item(row, ColStayTotal)->setText(formatAmount(quote.roomTotals[size_t(row)]));
+    lblTotal->setText(getString(5988, QStringLiteral("Booking total: %1")).arg(formatAmount(quote.total)));
+}
+
+void ConfirmBooking::cmdOK()
+{
+    const NewBookingRequest wanted = request();
+    Result<NewBookingResult> saved = BookingWriter(m_session.db(), m_rates, m_session.setup(), m_session.getUser())
+                                         .save(wanted, m_questions);
+    if (!saved) {
+        messages::show(saved.refusal());
+        if (wanted.BBClientID == 0 && !clientSearch->hasName())
             clientSearch->NameFocus();
         return;
     }
-    m_bookingId = result->BBBookingID;
-    m_firstRoomId = result->firstRoomId;
+    m_result = *saved;
+    m_session.publish(m_result.changes);
+    if (m_result.total == 0)
+        tellRatesNotEntered();
     accept();
-}
-
-void ConfirmBooking::initialise(MainWindow &frmMain, const std::vector<qint32> &roomIds, QDate arrival, int nights)
-{
-    ConfirmBooking dialog(frmMain, roomIds, arrival, nights, &frmMain);
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    // The desk's own close box clears the room selection and hides the list.
-    if (auto *closeBox = frmMain.findChild<QPushButton *>(QStringLiteral("cmdCloseBox")))
-        closeBox->click();
-    frmMain.drawCalendar();
-    ViewBooking::initialise(frmMain, dialog.BBBookingID(), dialog.firstRoomId());
 }
 
 } // namespace fenlark

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bookings/newbooking.h"
 #include "clients/screens/ucclientsearch.h"
 
 #include <QDate>
@@ -12,40 +13,47 @@ class QTableWidget;
 
 namespace fenlark {
 
-class MainWindow;
+class RateData;
+class Session;
 
 // dlgBookConfirm: who a new booking is for, the rate and head count of each
-// chosen room; OK writes it through BookingWriter.
+// chosen room, and what the stay will cost before anything is saved; OK writes
+// it through BookingWriter.
 class ConfirmBooking : public QDialog, private IClientSearch {
     Q_OBJECT
 public:
-    ConfirmBooking(MainWindow &frmMain, const std::vector<qint32> &roomIds, QDate arrival, int nights,
+    ConfirmBooking(Session &session, const RateData &rates, const std::vector<qint32> &roomIds, QDate arrival, int nights,
                    QWidget *parent = nullptr);
 
-    // Shows the dialog modally; on a saved booking the calendar is redrawn and
-    // the editor opens on its first room.
-    static void initialise(MainWindow &frmMain, const std::vector<qint32> &roomIds, QDate arrival, int nights);
+    // What was saved; empty until OK went through.
+    const NewBookingResult &saved() const { return m_result; }
 
-    qint32 BBBookingID() const { return m_bookingId; }
-    qint32 firstRoomId() const { return m_firstRoomId; }
+    // The request as the screen holds it now.
+    NewBookingRequest request() const;
 
     // The parts, for tests.
     ucClientSearch *clientSearch = nullptr;
     QTableWidget *gdRooms = nullptr;
+    QLabel *lblTotal = nullptr;
+
+    enum Column { ColRoomId, ColRoom, ColRate, ColAdults, ColChild1, ColChild2, ColStayTotal, ColumnCount };
 
 public Q_SLOTS:
     void cmdOK();
 
 private:
-    void doubleClick() override { cmdOK(); }
+    // A double-click picks the client; only OK saves.
+    void doubleClick() override {}
     void singleClick() override {}
     void addRoomRow(int row, qint32 roomId);
+    void showQuote();
 
-    MainWindow &m_main;
+    Session &m_session;
+    const RateData &m_rates;
+    MessageStayQuestions m_questions;
     QDate m_arrival;
     QDate m_departure;
-    qint32 m_bookingId = 0;
-    qint32 m_firstRoomId = 0;
+    NewBookingResult m_result;
 };
 
 } // namespace fenlark

@@ -1,9 +1,9 @@
 #include "bookings/screens/doublebook.h"
 
-#include "bookings/screens/viewbooking.h"
 #include "shell/messages.h"
+#include "shell/refusal.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
-#include "shell/screens/mainwindow.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
@@ -22,14 +22,14 @@ enum Column { ColBooking, ColType, ColSurname, ColArrival, ColDeparture, ColRoom
 
 void allClear()
 {
-    messages::information(getString(5948, QStringLiteral("There are no double bookings in the system.")),
-                          getString(5949, QStringLiteral("No double-bookings found.")));
+    messages::inform(5948, QStringLiteral("There are no double bookings in the system."), 5949,
+                     QStringLiteral("No double-bookings found."));
 }
 
 } // namespace
 
-DoubleBook::DoubleBook(MainWindow &frmMain, QWidget *parent)
-    : QDialog(parent), viewBooking(&ViewBooking::initialise), m_main(frmMain), m_scan(frmMain.session().db())
+DoubleBook::DoubleBook(Session &session, OpenBooking viewBooking, QWidget *parent)
+    : QDialog(parent), m_session(session), m_viewBooking(std::move(viewBooking)), m_scan(session.db())
 {
     setObjectName(QStringLiteral("dlgDoubleBook"));
     setWindowTitle(getString(5950, QStringLiteral("Double-bookings which need correction")));
@@ -44,7 +44,7 @@ DoubleBook::DoubleBook(MainWindow &frmMain, QWidget *parent)
     lblCheackAgainNarr->setObjectName(QStringLiteral("lblCheackAgainNarr"));
 
     gdDouble = makeListGrid(this, QStringLiteral("gdDouble"),
-                            {getString(5953, QStringLiteral("BookingID")), getString(5954, QStringLiteral("Type")),
+                            {getString(5965, QStringLiteral("Booking ID")), getString(5954, QStringLiteral("Type")),
                              getString(5955, QStringLiteral("Surname")), getString(5956, QStringLiteral("Arrival")),
                              getString(5957, QStringLiteral("Departure")), getString(5958, QStringLiteral("Room")),
                              getString(5959, QStringLiteral("RoomID"))},
@@ -64,14 +64,14 @@ DoubleBook::DoubleBook(MainWindow &frmMain, QWidget *parent)
     layout->addLayout(buttons);
     resize(720, 360);
 
-    connect(gdDouble, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { openRow(row); });
-    connect(refresh, &QPushButton::clicked, this, &DoubleBook::cmdRefresh);
-    connect(exit, &QPushButton::clicked, this, &DoubleBook::cmdExit);
+    connect(gdDouble, &QTableWidget::cellDoubleClicked, this, guarded([this](int row, int) { openRow(row); }));
+    connect(refresh, &QPushButton::clicked, this, guarded(this, &DoubleBook::cmdRefresh));
+    connect(exit, &QPushButton::clicked, this, guarded(this, &DoubleBook::cmdExit));
 }
 
-bool DoubleBook::check(MainWindow &frmMain, bool onStart)
+bool DoubleBook::check(Session &session, const OpenBooking &viewBooking, bool onStart, QWidget *parent)
 {
-    DoubleBook dialog(frmMain, &frmMain);
+    DoubleBook dialog(session, viewBooking, parent);
     return dialog.initialise(onStart);
 }
 
@@ -93,9 +93,9 @@ bool DoubleBook::initialise(bool onStart)
 void DoubleBook::reportUnreadable()
 {
     for (qint32 id : m_scan.unreadable())
-        messages::critical(getString(5962, QStringLiteral("DoubleBooking: Error fetching one of the double bookings. ID = "))
-                               + QString::number(id),
-                           windowTitle());
+        messages::show(Refusal(5962, QStringLiteral("DoubleBooking: Error fetching one of the double bookings. ID = "), 5950,
+                               QStringLiteral("Double-bookings which need correction"))
+                           .thenText(QString::number(id)));
 }
 
 void DoubleBook::fill()
@@ -109,9 +109,9 @@ void DoubleBook::fill()
         const QStringList texts = {QString::number(row.BBBookingID),
                                    row.type,
                                    row.name,
-                                   known ? QLocale().toString(row.fromDate, dateFormat) : QString(),
-                                   known ? QLocale().toString(row.toDate, dateFormat) : QString(),
-                                   m_main.session().property().RoomName(row.BBRoomID),
+                                   known ? deskLocale().toString(row.fromDate, dateFormat) : QString(),
+                                   known ? deskLocale().toString(row.toDate, dateFormat) : QString(),
+                                   m_session.property().RoomName(row.BBRoomID),
                                    QString::number(row.BBRoomID)};
         for (int c = 0; c < ColumnCount; ++c)
             gdDouble->setItem(r, c, new QTableWidgetItem(texts.at(c)));
@@ -126,9 +126,7 @@ void DoubleBook::openRow(int row)
     const qint32 room = gdDouble->item(row, ColRoomId)->text().toInt();
     if (booking < 1 || room < 1)
         return;
-    viewBooking(m_main, booking, room);
-    m_main.initCalendar();
-    m_main.drawCalendar();
+    m_viewBooking(booking, room);
 }
 
 void DoubleBook::cmdRefresh()

@@ -1,8 +1,8 @@
 #include "bookings/screens/viewbooking.h"
 
+#include "accounts/accountrecords.h"
 #include "accounts/extraqueries.h"
 #include "bookings/bookingcodes.h"
-#include "accounts/accountrecords.h"
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/newbooking.h"
@@ -15,10 +15,9 @@
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
 #include "rates/roomrates.h"
-#include "shell/errorlog.h"
 #include "shell/messages.h"
 #include "shell/money.h"
-#include "shell/screens/mainwindow.h"
+#include "shell/screens/guard.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
@@ -49,19 +48,14 @@ QString clientNameOf(Database &db, qint32 clientId)
     return clientId != 0 && client.fetch(db, clientId) ? client.FullName() : QString();
 }
 
-void showDatabaseError(const DatabaseError &e)
-{
-    ErrorLog::write(e.message() + QStringLiteral(" | ") + e.sql());
-    messages::critical(getString(5852, QStringLiteral("The booking could not be saved: %1")).arg(e.message()),
-                       getString(5853, QStringLiteral("Database error")));
-}
-
-QLineEdit *numberBox(QWidget *parent, const QString &name)
+// A box for a number: whole heads take digits only, amounts digits, comma and full stop.
+QLineEdit *numberBox(QWidget *parent, const QString &name, bool whole = false)
 {
     auto *box = new QLineEdit(parent);
     box->setObjectName(name);
-    // numericKey: digits, comma and full stop only.
-    box->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9.,]*")), box));
+    box->setValidator(new QRegularExpressionValidator(QRegularExpression(whole ? QStringLiteral("[0-9]{0,3}")
+                                                                               : QStringLiteral("[0-9.,]*")),
+                                                      box));
     return box;
 }
 
@@ -70,26 +64,14 @@ qint16 countOf(const QLineEdit *box)
     return static_cast<qint16>(std::clamp(box->text().toInt(), 0, 999));
 }
 
-double amountOf(const QLineEdit *box)
-{
-    QString text = box->text();
-    return text.replace(QLatin1Char(','), QLatin1Char('.')).toDouble();
-}
-
-// The editor's answers: Yes/No boxes.
-MessageSaveQuestions &boxQuestions()
-{
-    static MessageSaveQuestions questions;
-    return questions;
-}
-
 } // namespace
 
-ViewBooking::ViewBooking(MainWindow &frmMain, QWidget *parent) : QDialog(parent), m_main(frmMain)
+ViewBooking::ViewBooking(Session &session, const RateData &rates, QWidget *parent)
+    : QDialog(parent), m_session(session), m_rates(rates)
 {
     setObjectName(QStringLiteral("dlgDetails"));
     setWindowTitle(getString(5860, QStringLiteral("Booking Details")));
-    Database &db = frmMain.session().db();
+    Database &db = session.db();
     choosers.client = [&db](QWidget *parent) {
         ClientDSearch dialog(db, parent);
         dialog.exec();
@@ -170,11 +152,11 @@ void ViewBooking::build()
     cboRateCode = new QComboBox(booking);
     cboRateCode->setObjectName(QStringLiteral("cboRateCode"));
     bf->addRow(getString(5874, QStringLiteral("Rate")), cboRateCode);
-    txtnoadults = numberBox(booking, QStringLiteral("txtnoadults"));
-    txtchild1 = numberBox(booking, QStringLiteral("txtchild1"));
-    txtChild2 = numberBox(booking, QStringLiteral("txtChild2"));
+    txtnoadults = numberBox(booking, QStringLiteral("txtnoadults"), true);
+    txtchild1 = numberBox(booking, QStringLiteral("txtchild1"), true);
+    txtChild2 = numberBox(booking, QStringLiteral("txtChild2"), true);
     ChildPolicy policy;
-    policy.fetchChildPolicy(m_main.session().db());
+    policy.fetchChildPolicy(m_session.db());
     bf->addRow(getString(5875, QStringLiteral("Adults")), txtnoadults);
     const QString children = getString(5876, QStringLiteral("Children"));
     bf->addRow(children + QLatin1Char(' ') + policy.label1, txtchild1);
@@ -197,9 +179,16 @@ void ViewBooking::build()
     txtAgentComm = numberBox(booking, QStringLiteral("txtAgentComm"));
     bf->addRow(getString(5879, QStringLiteral("Agent commission %")), txtAgentComm);
     m_bookingNo = new QLabel(booking);
+    m_bookingNo->setObjectName(QStringLiteral("lblBookingID"));
+    m_serverNo = new QLabel(booking);
+    m_serverNo->setObjectName(QStringLiteral("lblServerNo"));
     m_bookingDate = new QLabel(booking);
     m_bookingType = new QLabel(booking);
-    bf->addRow(getString(5880, QStringLiteral("Booking number")), m_bookingNo);
+    auto *numbers = new QHBoxLayout;
+    numbers->addWidget(m_bookingNo, 1);
+    numbers->addWidget(new QLabel(getString(5989, QStringLiteral("Server No.")), booking));
+    numbers->addWidget(m_serverNo, 1);
+    bf->addRow(getString(5965, QStringLiteral("Booking ID")), numbers);
     bf->addRow(getString(5881, QStringLiteral("Booked on")), m_bookingDate);
     bf->addRow(getString(5882, QStringLiteral("Booking type")), m_bookingType);
     auto *bookingButtons = new QHBoxLayout;
@@ -284,42 +273,42 @@ void ViewBooking::build()
     right->addLayout(bottom);
     layout->addLayout(right);
 
-    connect(save, &QPushButton::clicked, this, &ViewBooking::cmdSave);
-    connect(exit, &QPushButton::clicked, this, &ViewBooking::cmdExit);
-    connect(split, &QPushButton::clicked, this, &ViewBooking::cmdSplit);
-    connect(changeRooms, &QPushButton::clicked, this, &ViewBooking::cmdChangeRooms);
-    connect(viewRooms, &QPushButton::clicked, this, &ViewBooking::cmdViewRooms);
-    connect(calcDeposit, &QPushButton::clicked, this, &ViewBooking::cmdCalcDeposit);
-    connect(madeByChange, &QPushButton::clicked, this, &ViewBooking::cmdMadeByChange);
-    connect(guest1Change, &QPushButton::clicked, this, &ViewBooking::cmdGuest1Change);
-    connect(guest2Change, &QPushButton::clicked, this, &ViewBooking::cmdGuest2Change);
-    connect(m_guest2Del, &QPushButton::clicked, this, &ViewBooking::cmdGuest2del);
-    connect(madeByEmail, &QPushButton::clicked, this, &ViewBooking::cmdMadeByEmail);
-    connect(guest1Email, &QPushButton::clicked, this, &ViewBooking::cmdGuest1Email);
-    connect(m_guest2Email, &QPushButton::clicked, this, &ViewBooking::cmdGuest2Email);
-    connect(m_sources, &QPushButton::clicked, this, &ViewBooking::cmdSources);
-    connect(txtSource, &QLineEdit::textChanged, this, &ViewBooking::sourceChanged);
-    connect(cboStatus, &QComboBox::currentIndexChanged, this, &ViewBooking::statusChanged);
-    connect(dpFrom, &QDateEdit::dateChanged, this, [this] { setDirty(); getNoNights(); });
-    connect(dpTo, &QDateEdit::dateChanged, this, [this] { setDirty(); getNoNights(); });
+    connect(save, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSave));
+    connect(exit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdExit));
+    connect(split, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSplit));
+    connect(changeRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdChangeRooms));
+    connect(viewRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRooms));
+    connect(calcDeposit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdCalcDeposit));
+    connect(madeByChange, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeByChange));
+    connect(guest1Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1Change));
+    connect(guest2Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2Change));
+    connect(m_guest2Del, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2del));
+    connect(madeByEmail, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeByEmail));
+    connect(guest1Email, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1Email));
+    connect(m_guest2Email, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2Email));
+    connect(m_sources, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSources));
+    connect(txtSource, &QLineEdit::textChanged, this, guarded(this, &ViewBooking::sourceChanged));
+    connect(cboStatus, &QComboBox::currentIndexChanged, this, guarded(this, &ViewBooking::statusChanged));
+    connect(dpFrom, &QDateEdit::dateChanged, this, guarded([this] { setDirty(); getNoNights(); }));
+    connect(dpTo, &QDateEdit::dateChanged, this, guarded([this] { setDirty(); getNoNights(); }));
     for (QLineEdit *box : {txtnoadults, txtchild1, txtChild2, txtDeposit, txtAgentComm, txtSource, txtReference})
-        connect(box, &QLineEdit::textEdited, this, [this] { setDirty(); });
-    connect(cboRateCode, &QComboBox::currentIndexChanged, this, [this] { setDirty(); });
-    connect(txtNotes, &QPlainTextEdit::textChanged, this, [this] { setDirty(); });
-    connect(dpReserved, &QDateTimeEdit::dateTimeChanged, this, [this] { setDirty(); });
-    connect(ckCheckedIn, &QCheckBox::toggled, this, [this] { setDirty(); });
-    connect(ckCheckedOut, &QCheckBox::toggled, this, [this] { setDirty(); });
+        connect(box, &QLineEdit::textEdited, this, guarded([this] { setDirty(); }));
+    connect(cboRateCode, &QComboBox::currentIndexChanged, this, guarded([this] { setDirty(); }));
+    connect(txtNotes, &QPlainTextEdit::textChanged, this, guarded([this] { setDirty(); }));
+    connect(dpReserved, &QDateTimeEdit::dateTimeChanged, this, guarded([this] { setDirty(); }));
+    connect(ckCheckedIn, &QCheckBox::toggled, this, guarded([this] { setDirty(); }));
+    connect(ckCheckedOut, &QCheckBox::toggled, this, guarded([this] { setDirty(); }));
 }
 
 bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
 {
-    Database &db = m_main.session().db();
+    Database &db = m_session.db();
     ensureBookingAccount(db, bbBookingId);
     const std::optional<BookingEdit> edit = loadBookingEdit(db, bbBookingId, bbRoomId);
     Booking head;
     if (!edit || !head.fetch(db, bbBookingId)) {
-        messages::critical(getString(5827, QStringLiteral("Error: Could not fetch booking details. Call veldmoor (021 555 0108)")),
-                           getString(5828, QStringLiteral("Could not find booking details")));
+        messages::show(Refusal(5827, QStringLiteral("Error: Could not fetch booking details. Call veldmoor (021 555 0108)"),
+                               5828, QStringLiteral("Could not find booking details")));
         return false;
     }
     m_loading = true;
@@ -328,6 +317,9 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     cboStatus->clear();
     for (const StatusEntry &status : statusList(db))
         cboStatus->addItem(status.name, status.code);
+    // A status this desk does not know (from a newer server) is kept as it is.
+    if (cboStatus->findData(m_edit.status) < 0)
+        cboStatus->addItem(m_edit.status, m_edit.status);
     m_statusIndex = std::max(0, cboStatus->findData(m_edit.status));
     cboStatus->setCurrentIndex(m_statusIndex);
     const bool hold = statusHasHold(m_edit.status);
@@ -335,7 +327,7 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     m_bookingForm->setRowVisible(dpReserved, hold);
     dpFrom->setDate(m_edit.fromDate);
     dpTo->setDate(m_edit.toDate);
-    lblRoomName->setText(m_main.session().property().RoomName(m_edit.roomId));
+    lblRoomName->setText(m_session.property().RoomName(m_edit.roomId));
     const bool multi = Guest::legsOf(db, bbBookingId).size() > 1;
     lblSingleMulti->setText(multi ? getString(5905, QStringLiteral("* Multi Room Booking"))
                                   : getString(5906, QStringLiteral("* Single Room Booking")));
@@ -346,7 +338,8 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     fillRates();
     ckCheckedIn->setChecked(m_edit.checkedIn);
     ckCheckedOut->setChecked(m_edit.checkedOut);
-    m_bookingNo->setText(QString::number(head.BookingID));
+    m_bookingNo->setText(QString::number(head.BBBookingID));
+    m_serverNo->setText(head.BookingID == 0 ? getString(5990, QStringLiteral("not yet sent")) : QString::number(head.BookingID));
     m_bookingDate->setText(head.BookingDate.toString(QStringLiteral("dd/MM/yyyy hh:mm")));
     m_bookingType->setText(bookingTypeName(head.BookingType));
     txtSource->setText(m_edit.source);
@@ -375,12 +368,11 @@ void ViewBooking::fillRates()
     m_loading = true;
     cboRateCode->clear();
     cboRateCode->addItem(getString(5907, QStringLiteral("Manual Rates")), 0);
-    const RateData data = RateData::load(m_main.session().db());
-    for (const OfferedRate &rate : offeredRates(data, dpFrom->date(), dpTo->date(), m_edit.roomId))
+    for (const OfferedRate &rate : offeredRates(m_rates, dpFrom->date(), dpTo->date(), m_edit.roomId))
         cboRateCode->addItem(rate.name, rate.BBRateID);
     const int at = cboRateCode->findData(m_edit.BBRateID);
     if (at < 0 && m_edit.BBRateID != 0)
-        cboRateCode->addItem(getRateName(data, m_edit.BBRateID), m_edit.BBRateID);
+        cboRateCode->addItem(getRateName(m_rates, m_edit.BBRateID), m_edit.BBRateID);
     cboRateCode->setCurrentIndex(std::max(0, cboRateCode->findData(m_edit.BBRateID)));
     m_loading = wasLoading;
 }
@@ -395,7 +387,7 @@ void ViewBooking::getNoNights()
 void ViewBooking::refreshTotals()
 {
     double total = 0;
-    if (const auto details = loadBookingDetails(m_main.session().db(), m_edit.BBBookingID))
+    if (const auto details = loadBookingDetails(m_session.db(), m_edit.BBBookingID))
         for (const LegDetails &leg : details->legs)
             for (const DailyRate &night : leg.nights)
                 total += night.RoomRate;
@@ -414,20 +406,18 @@ void ViewBooking::statusChanged(int index)
         m_loading = false;
     };
     if (newCode == QLatin1String("R") && oldCode != QLatin1String("R")) {
-        const UserStruct &user = m_main.getUser();
+        const UserStruct &user = m_session.getUser();
         if (user.UserID > 0 && !isAllowed(user, SecurityAction::CancelBooking)) {
-            messages::critical(getString(5910, QStringLiteral("Your user rights do not allow you to change the booking "
-                                                              "status to 'Reserved'.")),
-                               getString(5911, QStringLiteral("User not authorised")));
+            messages::critical(5910, QStringLiteral("Your user rights do not allow you to change the booking "
+                                                              "status to 'Reserved'."), 5911, QStringLiteral("User not authorised"));
             goBack();
             return;
         }
-        for (const Guest &leg : Guest::legsOf(m_main.session().db(), m_edit.BBBookingID)) {
-            if (!getExtrasByRoom(m_main.session().db(), leg.BBGuestID).empty()) {
-                messages::critical(getString(5912, QStringLiteral("This booking has extras on it. You can't set the status "
+        for (const Guest &leg : Guest::legsOf(m_session.db(), m_edit.BBBookingID)) {
+            if (!getExtrasByRoom(m_session.db(), leg.BBGuestID).empty()) {
+                messages::critical(5912, QStringLiteral("This booking has extras on it. You can't set the status "
                                                                   "to 'Reserved', which may cancel this booking, while it "
-                                                                  "has extras.")),
-                                   getString(5913, QStringLiteral("Booking has extras")));
+                                                                  "has extras."), 5913, QStringLiteral("Booking has extras"));
                 goBack();
                 return;
             }
@@ -463,21 +453,28 @@ bool ViewBooking::guard() const
 {
     if (!datesChanged() && !headCountChanged())
         return true;
-    messages::critical(getString(5914, QStringLiteral("You changed important booking data. Click 'Save Changes' first.")),
-                       getString(5915, QStringLiteral("Data was changed")));
+    messages::critical(5914, QStringLiteral("You changed important booking data. Click 'Save Changes' first."), 5915, QStringLiteral("Data was changed"));
     return false;
 }
 
-void ViewBooking::readScreen()
+bool ViewBooking::readScreen()
 {
+    const std::optional<double> commission = parseAmount(txtAgentComm->text(), deskLocale());
+    const std::optional<double> deposit = parseAmount(txtDeposit->text(), deskLocale());
+    if (!commission || !deposit) {
+        messages::show(Refusal(5991, QStringLiteral("\"%1\" is not an amount."), 5992, QStringLiteral("Incorrect amount"))
+                           .arg(!commission ? txtAgentComm->text() : txtDeposit->text()));
+        (!commission ? txtAgentComm : txtDeposit)->setFocus();
+        return false;
+    }
     m_edit.status = cboStatus->currentData().toString();
     m_edit.reservedUntil = dpReserved->dateTime();
     m_edit.fromDate = dpFrom->date();
     m_edit.toDate = dpTo->date();
     m_edit.notes = txtNotes->toPlainText();
     m_edit.source = txtSource->text();
-    m_edit.agentComm = amountOf(txtAgentComm);
-    m_edit.deposit = amountOf(txtDeposit);
+    m_edit.agentComm = *commission;
+    m_edit.deposit = *deposit;
     m_edit.BBRateID = cboRateCode->currentData().toInt();
     m_edit.adults = countOf(txtnoadults);
     m_edit.child1 = countOf(txtchild1);
@@ -485,31 +482,27 @@ void ViewBooking::readScreen()
     m_edit.checkedIn = ckCheckedIn->isChecked();
     m_edit.checkedOut = ckCheckedOut->isChecked();
     m_edit.reference = txtReference->text();
+    return true;
 }
 
 bool ViewBooking::cmdSave()
 {
-    readScreen();
-    Session &session = m_main.session();
-    std::optional<SaveOutcome> outcome;
-    try {
-        const RateData rates = RateData::load(session.db());
-        outcome = BookingSave(session.db(), rates, session.getUser(), boxQuestions()).save(m_edit);
-    } catch (const DatabaseError &e) {
-        showDatabaseError(e);
-    }
+    if (!readScreen())
+        return false;
+    Result<SaveOutcome> outcome =
+        BookingSave(m_session.db(), m_rates, m_session.setup(), m_session.getUser(), m_questions).save(m_edit);
     m_loading = true;
     dpFrom->setDate(m_edit.fromDate);
     dpTo->setDate(m_edit.toDate);
     ckCheckedIn->setChecked(m_edit.checkedIn);
     ckCheckedOut->setChecked(m_edit.checkedOut);
     m_loading = false;
-    if (!outcome)
+    if (!outcome) {
+        messages::show(outcome.refusal());
         return false;
-    m_main.initCalendar();
-    m_main.drawCalendar();
-    refreshTotals();
-    m_dirty = false;
+    }
+    m_session.publish(outcome->changes);
+    load(m_edit.BBBookingID, m_edit.roomId);
     return true;
 }
 
@@ -517,36 +510,22 @@ void ViewBooking::cmdSplit()
 {
     if (!guard())
         return;
-    if (!messages::question(getString(5916, QStringLiteral("Are you sure you want to split this leg into a booking of its own?")),
-                            getString(5826, QStringLiteral("Split Booking?"))))
+    if (!messages::ask(5916, QStringLiteral("Are you sure you want to split this leg into a booking of its own?"), 5826,
+                       QStringLiteral("Split Booking?")))
         return;
-    Session &session = m_main.session();
-    std::optional<qint32> newId;
-    try {
-        const RateData rates = RateData::load(session.db());
-        newId = BookingSave(session.db(), rates, session.getUser(), boxQuestions()).split(m_edit.BBBookingID, m_edit.loadedRoomId);
-    } catch (const DatabaseError &e) {
-        showDatabaseError(e);
+    Result<SplitOutcome> split = BookingSave(m_session.db(), m_rates, m_session.setup(), m_session.getUser(), m_questions)
+                                     .split(m_edit.BBBookingID, m_edit.loadedRoomId);
+    if (!split) {
+        messages::show(split.refusal());
+        return;
     }
-    if (!newId)
-        return;
-    Calendar &calendar = session.calendar();
-    auto entry = std::make_shared<CalendarCache>();
-    entry->BBBookingID = *newId;
-    entry->Status = m_edit.status;
-    entry->Arrival = m_edit.storedFrom;
-    entry->BBClientID = m_edit.BBClientID;
-    entry->NoAdults = m_edit.storedAdults;
-    entry->Children = static_cast<qint16>(m_edit.storedChild1 + m_edit.storedChild2);
-    for (const QDate &night : nightsOf(m_edit.storedFrom, m_edit.storedTo))
-        calendar.addCalEntry(night, m_edit.loadedRoomId, entry);
-    m_main.drawCalendar();
-    load(*newId, m_edit.loadedRoomId);
+    m_session.publish(split->changes);
+    load(split->newBookingId, m_edit.loadedRoomId);
 }
 
 void ViewBooking::cmdChangeRooms()
 {
-    Session &session = m_main.session();
+    Session &session = m_session;
     std::vector<qint32> all;
     for (const Room &room : session.property().rooms())
         all.push_back(room.BBRoomID);
@@ -557,8 +536,7 @@ void ViewBooking::cmdChangeRooms()
         names << session.property().RoomName(id);
     }
     if (ids.empty()) {
-        messages::information(getString(5943, QStringLiteral("No other room is free for these dates.")),
-                              getString(5917, QStringLiteral("Change Room")));
+        messages::inform(5943, QStringLiteral("No other room is free for these dates."), 5917, QStringLiteral("Change Room"));
         return;
     }
     bool ok = false;
@@ -581,9 +559,8 @@ void ViewBooking::cmdViewRooms()
     const qint32 room = choosers.room(this, m_edit.BBBookingID);
     if (room == 0 || room == m_edit.loadedRoomId)
         return;
-    if (!legHasGuest(m_main.session().db(), m_edit.BBBookingID, room)) {
-        messages::critical(getString(5925, QStringLiteral("Error: Could not fetch guest record. Please call veldmoor(021 555 0100).")),
-                           getString(5926, QStringLiteral("Could not fetch guest record.")));
+    if (!legHasGuest(m_session.db(), m_edit.BBBookingID, room)) {
+        messages::critical(5925, QStringLiteral("Error: Could not fetch guest record. Please call veldmoor(021 555 0100)."), 5926, QStringLiteral("Could not fetch guest record."));
         return;
     }
     load(m_edit.BBBookingID, room);
@@ -595,22 +572,23 @@ void ViewBooking::cmdCalcDeposit()
         return;
     QString total = lblTotal->text();
     total.remove(QLatin1Char(','));
-    const double deposit = calcDeposit(m_main.session().setup(), total.toDouble(), nightCount(dpFrom->date(), dpTo->date()));
+    const double deposit = calcDeposit(m_session.setup(), total.toDouble(), nightCount(dpFrom->date(), dpTo->date()));
+    if (total.toDouble() == 0)
+        tellRatesNotEntered();
     txtDeposit->setText(formatAmount(deposit));
     m_dirty = true;
 }
 
 void ViewBooking::cmdExit()
 {
-    if (m_dirty && messages::question(getString(5919, QStringLiteral("Do you want to save your changes?")),
-                                      getString(5920, QStringLiteral("Save changes?"))))
+    if (m_dirty && messages::ask(5919, QStringLiteral("Do you want to save your changes?"), 5920, QStringLiteral("Save changes?")))
         cmdSave();
     accept();
 }
 
 void ViewBooking::showNames()
 {
-    Database &db = m_main.session().db();
+    Database &db = m_session.db();
     outMadeBy->setText(clientNameOf(db, m_edit.MadeBy));
     outGuest->setText(clientNameOf(db, m_edit.BBClientID));
     outGuest2->setText(clientNameOf(db, m_edit.BBClient2ID));
@@ -633,20 +611,23 @@ void ViewBooking::cmdMadeByChange()
 {
     if (!changeClient(m_edit.MadeBy))
         return;
-    messages::information(getString(5927, QStringLiteral("You have changed who 'made' this booking.")) + QStringLiteral("\n\n")
-                              + getString(5928, QStringLiteral("Check the Account information in case this also needs to change.")),
-                          getString(5929, QStringLiteral("'Made By' was changed.")));
-    Database &db = m_main.session().db();
+    messages::show(Refusal(5927, QStringLiteral("You have changed who 'made' this booking."), 5929, QStringLiteral("'Made By' was changed."))
+                       .asInformation()
+                       .thenText(QStringLiteral("\n\n"))
+                       .then(5928, QStringLiteral("Check the Account information in case this also needs to change.")));
+    Database &db = m_session.db();
     Client client;
     Booking head;
     if (!client.fetch(db, m_edit.MadeBy) || !head.fetch(db, m_edit.BBBookingID) || client.BBRateSheetID == head.BBRateSheetID)
         return;
-    messages::information(getString(5930, QStringLiteral("The selected client uses the ")) + rateSheetName(db, client.BBRateSheetID)
-                              + getString(5931, QStringLiteral(" rate sheet.")) + QLatin1Char('\n')
-                              + getString(5932, QStringLiteral("The current rate sheet for this booking is "))
-                              + rateSheetName(db, head.BBRateSheetID) + QStringLiteral("\n\n")
-                              + getString(5933, QStringLiteral("Click View Rates if you want to adjust.")),
-                          getString(5934, QStringLiteral("Different rate sheet may apply.")));
+    messages::show(Refusal(5930, QStringLiteral("The selected client uses the "), 5934, QStringLiteral("Different rate sheet may apply."))
+                       .asInformation()
+                       .thenText(rateSheetName(db, client.BBRateSheetID))
+                       .then(5931, QStringLiteral(" rate sheet."))
+                       .thenText(QStringLiteral("\n"))
+                       .then(5932, QStringLiteral("The current rate sheet for this booking is "))
+                       .thenText(rateSheetName(db, head.BBRateSheetID) + QStringLiteral("\n\n"))
+                       .then(5933, QStringLiteral("Click View Rates if you want to adjust.")));
 }
 
 void ViewBooking::cmdGuest1Change()
@@ -663,9 +644,11 @@ void ViewBooking::cmdGuest2del()
 {
     if (m_edit.BBClient2ID == 0)
         return;
-    if (!messages::questionDefaultNo(getString(5935, QStringLiteral("Are you sure you want to remove ")) + outGuest2->text()
-                                         + getString(5936, QStringLiteral(" from this booking?")),
-                                     getString(5937, QStringLiteral("Remove guest from booking?"))))
+    if (!messages::ask(Refusal(5935, QStringLiteral("Are you sure you want to remove "), 5937,
+                               QStringLiteral("Remove guest from booking?"))
+                           .thenText(outGuest2->text())
+                           .then(5936, QStringLiteral(" from this booking?")),
+                       true))
         return;
     m_edit.BBClient2ID = 0;
     m_dirty = true;
@@ -675,16 +658,17 @@ void ViewBooking::cmdGuest2del()
 void ViewBooking::emailToClipboard(qint32 clientId)
 {
     Client client;
-    const QString email = clientId != 0 && client.fetch(m_main.session().db(), clientId) ? client.Email.trimmed() : QString();
+    const QString email = clientId != 0 && client.fetch(m_session.db(), clientId) ? client.Email.trimmed() : QString();
     if (email.isEmpty()) {
-        messages::critical(getString(5938, QStringLiteral("No email address for this client.")),
-                           getString(5939, QStringLiteral("No email address.")));
+        messages::critical(5938, QStringLiteral("No email address for this client."), 5939, QStringLiteral("No email address."));
         return;
     }
     QGuiApplication::clipboard()->setText(email);
-    messages::information(email + getString(5940, QStringLiteral(" is now on the clipboard.")) + QLatin1Char('\n')
-                              + getString(5941, QStringLiteral("Go to any windows application and click Paste.")),
-                          getString(5942, QStringLiteral("Email on clipboard")));
+    messages::show(Refusal(5940, QStringLiteral("%1 is now on the clipboard."), 5942, QStringLiteral("Email on clipboard"))
+                       .arg(email)
+                       .asInformation()
+                       .thenText(QStringLiteral("\n"))
+                       .then(5941, QStringLiteral("Go to any application and click Paste.")));
 }
 
 void ViewBooking::cmdMadeByEmail()
@@ -716,18 +700,14 @@ void ViewBooking::sourceChanged()
     if (m_loading)
         return;
     const QString source = txtSource->text();
-    if (source.isEmpty() || amountOf(txtAgentComm) != 0)
+    if (source.isEmpty() || parseAmount(txtAgentComm->text(), deskLocale()).value_or(0) != 0)
         return;
-    try {
-        txtAgentComm->setText(formatAmount(newestAgentComm(m_main.session().db(), source)));
-    } catch (const DatabaseError &e) {
-        ErrorLog::write(e.message() + QStringLiteral(" | ") + e.sql());
-    }
+    txtAgentComm->setText(formatAmount(newestAgentComm(m_session.db(), source)));
 }
 
-void ViewBooking::initialise(MainWindow &frmMain, qint32 bbBookingId, qint32 bbRoomId)
+void ViewBooking::initialise(Session &session, const RateData &rates, qint32 bbBookingId, qint32 bbRoomId, QWidget *parent)
 {
-    ViewBooking dialog(frmMain, &frmMain);
+    ViewBooking dialog(session, rates, parent);
     if (!dialog.load(bbBookingId, bbRoomId))
         return;
     dialog.exec();

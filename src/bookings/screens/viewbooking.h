@@ -18,7 +18,8 @@ class QPushButton;
 
 namespace fenlark {
 
-class MainWindow;
+class RateData;
+class Session;
 
 // dlgDetails: one leg of one booking. Edits stay on screen until cmdSave hands
 // them to BookingSave; the linked screens refuse to open while dates or head
@@ -26,7 +27,7 @@ class MainWindow;
 class ViewBooking : public QDialog {
     Q_OBJECT
 public:
-    ViewBooking(MainWindow &frmMain, QWidget *parent = nullptr);
+    ViewBooking(Session &session, const RateData &rates, QWidget *parent = nullptr);
 
     // The choices the editor asks of other dialogs. Each opens its dialog
     // modally unless replaced, as tests do to answer without one.
@@ -42,7 +43,8 @@ public:
 
     // Loads the leg and shows the dialog modally; says why and shows nothing
     // when the leg cannot be read.
-    static void initialise(MainWindow &frmMain, qint32 bbBookingId, qint32 bbRoomId);
+    static void initialise(Session &session, const RateData &rates, qint32 bbBookingId, qint32 bbRoomId,
+                           QWidget *parent = nullptr);
     // Loads the leg into the screen; false (after saying why) when it is missing.
     bool load(qint32 bbBookingId, qint32 bbRoomId);
 
@@ -99,7 +101,8 @@ private:
     void fillRates();
     void getNoNights();
     void refreshTotals();
-    void readScreen();
+    // Takes the screen into the edit; false (after saying why) when an amount is not one.
+    bool readScreen();
     void showNames();
     // Puts a client chosen through the chooser in slot; false when none or the same was chosen.
     bool changeClient(qint32 &slot);
@@ -108,13 +111,16 @@ private:
     void setDirty() { if (!m_loading) m_dirty = true; }
     QPushButton *button(const QString &name, const QString &text, bool enabled);
 
-    MainWindow &m_main;
+    Session &m_session;
+    const RateData &m_rates;
+    MessageSaveQuestions m_questions;
     BookingEdit m_edit;
     int m_statusIndex = 0;
     bool m_dirty = false;
     bool m_loading = false;
     QFormLayout *m_bookingForm = nullptr;
     QLabel *m_bookingNo = nullptr;
+    QLabel *m_serverNo = nullptr;
     QLabel *m_bookingDate = nullptr;
     QLabel *m_bookingType = nullptr;
     QLabel *outMadeBy = nullptr;

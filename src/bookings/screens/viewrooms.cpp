@@ -3,6 +3,7 @@
 #include "bookings/bookingdetails.h"
 #include "rates/ratescalculator.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -51,16 +52,15 @@ ViewRooms::ViewRooms(Database &db, qint32 bbBookingId, QWidget *parent)
     layout->addLayout(buttons);
     resize(640, 300);
 
-    connect(gdRooms, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { pickRow(row); });
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
+    connect(gdRooms, &QTableWidget::cellDoubleClicked, this, guarded([this](int row, int) { pickRow(row); }));
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 bool ViewRooms::initialise()
 {
     const std::vector<LegLine> lines = legLines(m_db, m_bookingId);
     if (lines.empty()) {
-        messages::critical(getString(5923, QStringLiteral("Error: Could not fetch guest information. Call veldmoor (021 555 0100)")),
-                           getString(5924, QStringLiteral("Error fetching guest information")));
+        messages::critical(5923, QStringLiteral("Error: Could not fetch guest information. Call veldmoor (021 555 0100)"), 5924, QStringLiteral("Error fetching guest information"));
         return false;
     }
     gdRooms->setRowCount(int(lines.size()));

@@ -5,16 +5,18 @@
 #include "clients/screens/clientsearchdialogs.h"
 #include "shell/messages.h"
 #include "shell/screens/listgrid.h"
+#include "shell/screens/waitcursor.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
-#include <QApplication>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <optional>
 
 namespace fenlark {
 
@@ -23,21 +25,16 @@ namespace {
 // The question as a box; once agreed, the wait cursor shows until the work is done.
 class RetireAnswers : public MessageRetireQuestions {
 public:
-    ~RetireAnswers() override
-    {
-        if (m_busy)
-            QApplication::restoreOverrideCursor();
-    }
     bool readyToRetire() override
     {
-        m_busy = MessageRetireQuestions::readyToRetire();
-        if (m_busy)
-            QApplication::setOverrideCursor(Qt::WaitCursor);
-        return m_busy;
+        const bool ready = MessageRetireQuestions::readyToRetire();
+        if (ready)
+            m_busy.emplace();
+        return ready;
     }
 
 private:
-    bool m_busy = false;
+    std::optional<WaitCursor> m_busy;
 };
 
 QLabel *makeDisplay(QWidget *parent, const QString &objectName)

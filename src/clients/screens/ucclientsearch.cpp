@@ -138,8 +138,7 @@ void ucClientSearch::NameFocus()
 
 void ucClientSearch::search()
 {
-    m_madeBy = 0;
-    m_shortName.clear();
+    setChosen(0, QString());
     ClientSearchCriteria criteria{txtFirstName->text(), txtSurname->text(), txtCompany->text(), txtbbclientid->text()};
     gdClient->setUpdatesEnabled(false);
     if (criteria.isEmpty() || !m_db) {
@@ -162,15 +161,22 @@ void ucClientSearch::search()
 void ucClientSearch::takeRow(int row)
 {
     const ClientSearchRow &client = m_model->client(row);
-    m_madeBy = client.BBClientID;
-    m_shortName = client.shortName();
+    setChosen(client.BBClientID, client.shortName());
+}
+
+void ucClientSearch::setChosen(qint32 clientId, const QString &shortName)
+{
+    const bool changed = clientId != m_madeBy;
+    m_madeBy = clientId;
+    m_shortName = shortName;
+    if (changed)
+        Q_EMIT clientChanged();
 }
 
 void ucClientSearch::rowChanged(const QModelIndex &current)
 {
     if (!current.isValid()) {
-        m_madeBy = 0;
-        m_shortName.clear();
+        setChosen(0, QString());
         if (m_singleClickMode)
             cmdDeselect->setEnabled(false);
         NameFocus();
@@ -199,8 +205,7 @@ void ucClientSearch::doubleClicked(const QModelIndex &index)
 void ucClientSearch::deselect()
 {
     gdClient->selectionModel()->clear();
-    m_madeBy = 0;
-    m_shortName.clear();
+    setChosen(0, QString());
     cmdDeselect->setEnabled(false);
     NameFocus();
 }

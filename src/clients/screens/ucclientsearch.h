@@ -60,6 +60,10 @@ public:
     QPushButton *cmdDeselect = nullptr;
     ClientSearchModel *model() const { return m_model; }
 
+Q_SIGNALS:
+    // The chosen client changed (MadeBy() tells which; 0 for none).
+    void clientChanged();
+
 private:
     void search();
     void rowChanged(const QModelIndex &current);
@@ -67,6 +71,7 @@ private:
     void doubleClicked(const QModelIndex &index);
     void deselect();
     void takeRow(int row);
+    void setChosen(qint32 clientId, const QString &shortName);
 
     IClientSearch *m_owner = nullptr;
     Database *m_db = nullptr;

@@ -4,7 +4,6 @@
 #include "clients/screens/companylk.h"
 #include "rates/ratelists.h"
 #include "shell/messages.h"
-#include "shell/screens/calendarview.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"

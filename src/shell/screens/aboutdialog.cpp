@@ -1,5 +1,6 @@
 #include "shell/screens/aboutdialog.h"
 
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 
 #include <QEvent>
@@ -33,7 +34,7 @@ AboutDialog::AboutDialog(bool withOk, QWidget *parent)
     layout->addWidget(m_text);
     layout->addWidget(m_ok, 0, Qt::AlignCenter);
     m_ok->setVisible(withOk);
-    connect(m_ok, &QPushButton::clicked, this, &QDialog::accept);
+    connect(m_ok, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     if (!withOk)
         setWindowFlags(Qt::SplashScreen);
     retranslate();

@@ -20,12 +20,6 @@ QColor toColor(const Rgb &rgb)
 
 } // namespace
 
-QLocale deskLocale()
-{
-    return StringTable::instance().language() == SpanishLanguage ? QLocale(QLocale::Spanish, QLocale::Spain)
-                                                                 : QLocale(QLocale::English, QLocale::UnitedStates);
-}
-
 CalendarModel::CalendarModel(Session &session, QObject *parent)
     : QAbstractTableModel(parent)
     , m_session(session)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/calendargrid.h"
+#include "shell/strings.h"
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
@@ -11,9 +12,6 @@
 namespace fenlark {
 
 class Session;
-
-// The locale of the desk's language, for month and day names.
-QLocale deskLocale();
 
 // gdCal's data: rooms down, days across, drawn from the calendar grid. The three
 // header rows (month, day name, day of month, each an event row) are roles of

@@ -2,6 +2,7 @@
 
 #include "shell/databasechoice.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 
 #include <QDialogButtonBox>
@@ -23,9 +24,9 @@ ChooseDatabaseDialog::ChooseDatabaseDialog(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_lstDB);
     layout->addWidget(buttons);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_lstDB, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::accepted, this, guarded(this, &QDialog::accept));
+    connect(buttons, &QDialogButtonBox::rejected, this, guarded(this, &QDialog::reject));
+    connect(m_lstDB, &QListWidget::itemDoubleClicked, this, guarded(this, &QDialog::accept));
     m_cmdOK->setDefault(true);
     retranslate();
     resize(360, 260);
@@ -42,8 +43,7 @@ int ChooseDatabaseDialog::choose(int current, QWidget *parent)
 {
     const QStringList names = DatabaseChoice::names();
     if (names.isEmpty()) {
-        messages::critical(getString(462, QStringLiteral("Could not find correct database entries.")),
-                           getString(463, QStringLiteral("Incorrect vmconfig entries.")));
+        messages::critical(462, QStringLiteral("Could not find correct database entries."), 463, QStringLiteral("Incorrect vmconfig entries."));
         return current;
     }
     ChooseDatabaseDialog dialog(parent);

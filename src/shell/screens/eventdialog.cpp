@@ -2,6 +2,7 @@
 
 #include "shell/calendar.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 
 #include <QDateEdit>
@@ -36,6 +37,8 @@ EventDialog::EventDialog(Database &db, QDate date, int eventIndex, const EventDa
     m_to->setObjectName(QStringLiteral("dpTo"));
     m_text->setObjectName(QStringLiteral("txtEvent"));
     m_delete->setObjectName(QStringLiteral("cmdDelete"));
+    m_ok->setObjectName(QStringLiteral("cmdOK"));
+    m_cancel->setObjectName(QStringLiteral("cmdCancel"));
     for (QDateEdit *edit : {m_from, m_to}) {
         edit->setCalendarPopup(true);
         edit->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
@@ -69,9 +72,9 @@ EventDialog::EventDialog(Database &db, QDate date, int eventIndex, const EventDa
     m_text->setTabChangesFocus(true);
     m_text->setMinimumHeight(80);
 
-    connect(m_ok, &QPushButton::clicked, this, &EventDialog::accept);
-    connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(m_delete, &QPushButton::clicked, this, &EventDialog::deleteEvent);
+    connect(m_ok, &QPushButton::clicked, this, guarded(this, &EventDialog::accept));
+    connect(m_cancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
+    connect(m_delete, &QPushButton::clicked, this, guarded(this, &EventDialog::deleteEvent));
     retranslate();
     setMinimumWidth(440);
 }
@@ -98,7 +101,9 @@ void EventDialog::changeEvent(QEvent *event)
 void EventDialog::accept()
 {
     const QString text = m_text->toPlainText();
-    if (!EventRules::validate(m_db, text, m_from->date(), m_to->date(), m_event.EventIndex, m_event.BBEventID)) {
+    if (Outcome valid = EventRules::validate(m_db, text, m_from->date(), m_to->date(), m_event.EventIndex, m_event.BBEventID);
+        !valid) {
+        messages::show(valid.refusal());
         if (text.trimmed().isEmpty())
             m_text->setFocus();
         return;
@@ -112,8 +117,7 @@ void EventDialog::accept()
 
 void EventDialog::deleteEvent()
 {
-    if (!messages::question(getString(1700, QStringLiteral("Delete this event?")),
-                            getString(1701, QStringLiteral("Delete event")))) {
+    if (!messages::ask(1700, QStringLiteral("Delete this event?"), 1701, QStringLiteral("Delete event"))) {
         m_text->setFocus();
         return;
     }

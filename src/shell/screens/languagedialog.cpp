@@ -1,6 +1,7 @@
 #include "shell/screens/languagedialog.h"
 
 #include "shell/config.h"
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 
 #include <QApplication>
@@ -32,8 +33,8 @@ LanguageDialog::LanguageDialog(QWidget *parent)
     layout->addWidget(m_list);
     layout->addWidget(m_showOnStartup);
     layout->addWidget(m_buttons);
-    connect(m_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(m_list, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
+    connect(m_buttons, &QDialogButtonBox::accepted, this, guarded(this, &QDialog::accept));
+    connect(m_list, &QListWidget::itemDoubleClicked, this, guarded(this, &QDialog::accept));
     retranslate();
     resize(360, 220);
 }

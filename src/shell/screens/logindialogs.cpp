@@ -2,6 +2,7 @@
 
 #include "shell/databasefiles.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/session.h"
 #include "shell/setuprecords.h"
 #include "shell/strings.h"
@@ -62,8 +63,8 @@ LoginDialog::LoginDialog(Database &db, int dbNumber, QWidget *parent)
     layout->addWidget(m_database);
     layout->addLayout(form);
     layout->addWidget(m_buttons);
-    connect(m_buttons, &QDialogButtonBox::accepted, this, &LoginDialog::accept);
-    connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_buttons, &QDialogButtonBox::accepted, this, guarded(this, &LoginDialog::accept));
+    connect(m_buttons, &QDialogButtonBox::rejected, this, guarded(this, &QDialog::reject));
     retranslate();
     setMinimumWidth(380);
 }
@@ -128,8 +129,8 @@ PasswordDialog::PasswordDialog(Database &db, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(m_buttons);
-    connect(m_buttons, &QDialogButtonBox::accepted, this, &PasswordDialog::accept);
-    connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_buttons, &QDialogButtonBox::accepted, this, guarded(this, &PasswordDialog::accept));
+    connect(m_buttons, &QDialogButtonBox::rejected, this, guarded(this, &QDialog::reject));
     retranslate();
     setMinimumWidth(340);
     m_password->setFocus();
@@ -161,8 +162,7 @@ void PasswordDialog::accept()
         return;
     m_user = UserLogin::authenticate(m_db, m_users->currentData().toInt(), m_password->text());
     if (!m_user) {
-        messages::critical(getString(5127, QStringLiteral("Incorrect password for this user.")),
-                           getString(5128, QStringLiteral("Incorrect Password")));
+        messages::critical(5127, QStringLiteral("Incorrect password for this user."), 5128, QStringLiteral("Incorrect Password"));
         m_password->selectAll();
         m_password->setFocus();
         return;

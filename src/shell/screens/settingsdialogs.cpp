@@ -2,6 +2,7 @@
 
 #include "shell/messages.h"
 #include "shell/preferences.h"
+#include "shell/screens/guard.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
@@ -62,8 +63,8 @@ ColourPickerDialog::ColourPickerDialog(Session &session, QWidget *parent)
         grid->addWidget(m_channelLabels[c], c + 1, 0);
         grid->addWidget(m_sliders[c], c + 1, 1);
         grid->addWidget(m_boxes[c], c + 1, 2);
-        connect(m_sliders[c], &QSlider::valueChanged, this, [this, c](int v) { channelChanged(c, v); });
-        connect(m_boxes[c], &QSpinBox::valueChanged, this, [this, c](int v) { channelChanged(c, v); });
+        connect(m_sliders[c], &QSlider::valueChanged, this, guarded([this, c](int v) { channelChanged(c, v); }));
+        connect(m_boxes[c], &QSpinBox::valueChanged, this, guarded([this, c](int v) { channelChanged(c, v); }));
     }
     m_sample->setMinimumSize(120, 48);
     m_sample->setFrameShape(QFrame::Box);
@@ -81,10 +82,10 @@ ColourPickerDialog::ColourPickerDialog(Session &session, QWidget *parent)
     layout->addLayout(buttons);
 
     fillStatusList(m_status, session.statusColours(), QStringLiteral("C"));
-    connect(m_status, &QComboBox::currentIndexChanged, this, &ColourPickerDialog::showStatus);
-    connect(m_save, &QPushButton::clicked, this, &ColourPickerDialog::save);
-    connect(m_restore, &QPushButton::clicked, this, &ColourPickerDialog::restore);
-    connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_status, &QComboBox::currentIndexChanged, this, guarded(this, &ColourPickerDialog::showStatus));
+    connect(m_save, &QPushButton::clicked, this, guarded(this, &ColourPickerDialog::save));
+    connect(m_restore, &QPushButton::clicked, this, guarded(this, &ColourPickerDialog::restore));
+    connect(m_cancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     retranslate();
     showStatus(m_status->currentIndex());
     setMinimumWidth(420);
@@ -150,8 +151,7 @@ void ColourPickerDialog::paintSample()
 
 void ColourPickerDialog::save()
 {
-    if (!messages::question(getString(5130, QStringLiteral("Are you sure you want to save these colours?")),
-                            getString(5131, QStringLiteral("Save these colours"))))
+    if (!messages::ask(5130, QStringLiteral("Are you sure you want to save these colours?"), 5131, QStringLiteral("Save these colours")))
         return;
     StatusColours::save(m_session.db(), m_pending);
     m_session.loadStatusColours();
@@ -161,8 +161,7 @@ void ColourPickerDialog::save()
 
 void ColourPickerDialog::restore()
 {
-    if (!messages::question(getString(5132, QStringLiteral("Are you happy to restore the system defaults?")),
-                            getString(5133, QStringLiteral("Restore defaults?"))))
+    if (!messages::ask(5132, QStringLiteral("Are you happy to restore the system defaults?"), 5133, QStringLiteral("Restore defaults?")))
         return;
     StatusColours::restoreDefaults(m_session.db());
     m_session.loadStatusColours();
@@ -195,8 +194,8 @@ PreferencesDialog::PreferencesDialog(Session &session, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(buttons);
-    connect(m_ok, &QPushButton::clicked, this, &PreferencesDialog::accept);
-    connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_ok, &QPushButton::clicked, this, guarded(this, &PreferencesDialog::accept));
+    connect(m_cancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     retranslate();
 
     const int guests = session.getPreference(QStringLiteral("DEFUSER")).toInt();
@@ -227,8 +226,7 @@ void PreferencesDialog::accept()
 {
     Preferences::saveOptions(m_session.db(), m_guests->currentData().toInt(), m_payRef->isChecked());
     m_session.loadPreferences();
-    messages::information(getString(1683, QStringLiteral("This information was saved successfully.")),
-                          getString(1892, QStringLiteral("Save successful")));
+    messages::inform(1683, QStringLiteral("This information was saved successfully."), 1892, QStringLiteral("Save successful"));
     QDialog::accept();
 }
 

@@ -1,28 +1,29 @@
 #include "bookings/bookingrecords.h"
 #include "bookings/bookingsave.h"
 #include "bookings/screens/checkinout.h"
+#include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
+#include "bookings/screens/viewbooking.h"
 #include "bookings/screens/viewrooms.h"
 #include "clients/clientrecords.h"
 #include "clients/screens/sourcelist.h"
-#include "bookings/screens/confirmbooking.h"
-#include "bookings/screens/viewbooking.h"
-#include "shell/propertygenerator.h"
-#include "shell/screens/mainwindow.h"
-#include "shell/session.h"
+#include "shell/errorlog.h"
+#include "support/guitestmain.h"
 #include "support/recordingsink.h"
-#include "support/testdatabase.h"
+#include "support/screendesk.h"
 
-#include <QComboBox>
 #include <QCheckBox>
 #include <QClipboard>
-#include <QLabel>
-#include <QPushButton>
+#include <QComboBox>
 #include <QDateEdit>
+#include <QFile>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSpinBox>
+#include <QTableView>
 #include <QTableWidget>
-#include <QtTest>
 
 using namespace fenlark;
 
@@ -30,26 +31,13 @@ namespace {
 
 const QDate Arrival(2031, 7, 1);
 
-std::unique_ptr<Session> demoSession(TestDatabase &t, qint32 userId = 0, bool canReserve = true)
+qint32 bookRooms(ScreenDesk &desk, std::vector<qint32> rooms, const QString &surname = QStringLiteral("Heron"),
+                 QDate arrival = Arrival, int nights = 3)
 {
-    PropertyGenerator(PropertyGenerator::demo()).generate(t.db());
-    auto session = std::make_unique<Session>(Database::open(t.file("test.db")), 0);
-    session->refreshBBSetup();
-    session->reloadSetup();
-    UserStruct user = UserStruct::autoAdmin();
-    user.UserID = userId;
-    user.UserName = userId ? QStringLiteral("mary") : QStringLiteral("admin");
-    user.CancelBooking = canReserve;
-    session->setUser(user);
-    return session;
-}
-
-qint32 bookTwoRooms(MainWindow &window)
-{
-    ConfirmBooking dialog(window, {1, 2}, Arrival, 3);
-    dialog.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
+    ConfirmBooking dialog(*desk.session, desk.rates, rooms, arrival, nights);
+    dialog.clientSearch->txtSurname->setText(surname);
     dialog.cmdOK();
-    return dialog.BBBookingID();
+    return dialog.saved().BBBookingID;
 }
 
 qint32 addClient(Database &db, const QString &surname, const QString &email = {}, qint16 rateSheet = 0)
@@ -58,6 +46,7 @@ qint32 addClient(Database &db, const QString &surname, const QString &email = {}
     client.Surname = surname;
     client.Email = email;
     client.BBRateSheetID = rateSheet;
+    client.Active = QStringLiteral("Y");
     client.update(db);
     return client.BBClientID;
 }
@@ -67,97 +56,314 @@ QString labelText(const QWidget &dialog, const char *name)
     return dialog.findChild<QLabel *>(QLatin1String(name))->text();
 }
 
+QSpinBox *countBox(ConfirmBooking &dialog, int row, int column)
+{
+    return qobject_cast<QSpinBox *>(dialog.gdRooms->cellWidget(row, column));
+}
+
+// The whole content of the tables a booking touches, to show that nothing changed.
+QString bookingTables(Database &db)
+{
+    QString all;
+    for (const char *table : {"booking", "guest", "dailyrate", "account", "client", "dblog", "audit"}) {
+        QSqlQuery q = db.query(QStringLiteral("select * from ") + QLatin1String(table));
+        while (q.next())
+            for (int c = 0; c < q.record().count(); ++c)
+                all += q.value(c).toString() + QLatin1Char('|');
+        all += QLatin1Char('\n');
+    }
+    return all;
+}
+
+void injectFailure(Database &db, const char *table)
+{
+    db.execute(QStringLiteral("create trigger injected_failure before insert on %1 begin select raise(abort, 'disk full'); end")
+                   .arg(QLatin1String(table)));
+}
+
+void click(QWidget &dialog, const char *button)
+{
+    QPushButton *b = dialog.findChild<QPushButton *>(QLatin1String(button));
+    QVERIFY(b);
+    QTest::mouseClick(b, Qt::LeftButton);
+}
+
 } // namespace
 
 class TestBookingScreens : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void confirmBookingSavesThroughTheCore()
+    void confirmBookingShowsThePriceItWillSave()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        ConfirmBooking dialog(window, {1, 2}, Arrival, 3);
+        ScreenDesk desk;
+        ConfirmBooking dialog(*desk.session, desk.rates, {1, 2}, Arrival, 3);
         QCOMPARE(dialog.gdRooms->rowCount(), 2);
-        QVERIFY(dialog.gdRooms->isColumnHidden(0));
-        auto *rate = qobject_cast<QComboBox *>(dialog.gdRooms->cellWidget(0, 2));
-        QVERIFY(rate);
-        QCOMPARE(rate->itemText(0), QStringLiteral("No rate selected"));
-        QVERIFY(rate->count() > 1);
-        QCOMPARE(rate->currentIndex(), 1);
-        QCOMPARE(qobject_cast<QSpinBox *>(dialog.gdRooms->cellWidget(1, 3))->value(), 2);
+        auto *rate = qobject_cast<QComboBox *>(dialog.gdRooms->cellWidget(0, ConfirmBooking::ColRate));
+        QCOMPARE(rate->currentIndex(), 1);   // the room's default rate, not "No rate selected"
+        QCOMPARE(countBox(dialog, 1, ConfirmBooking::ColAdults)->value(), 2);
 
-        const int bookings = window.session().db().scalar("select count(*) from booking").toInt();
-        dialog.cmdOK();
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Name cannot be blank."));
-        QCOMPARE(dialog.result(), int(QDialog::Rejected));
-        QCOMPARE(window.session().db().scalar("select count(*) from booking").toInt(), bookings);
+        const QString before = dialog.lblTotal->text();
+        QVERIFY(dialog.gdRooms->item(1, ConfirmBooking::ColStayTotal)->text().toDouble() > 0);
+        qobject_cast<QComboBox *>(dialog.gdRooms->cellWidget(1, ConfirmBooking::ColRate))->setCurrentIndex(0);
+        QCOMPARE(dialog.gdRooms->item(1, ConfirmBooking::ColStayTotal)->text(), QStringLiteral("0.00"));
+        QVERIFY(dialog.lblTotal->text() != before);
+        countBox(dialog, 0, ConfirmBooking::ColAdults)->setValue(1);
+        countBox(dialog, 0, ConfirmBooking::ColChild1)->setValue(1);
+        const QString shown = dialog.gdRooms->item(0, ConfirmBooking::ColStayTotal)->text();
 
-        rate->setCurrentIndex(0);
         dialog.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
         dialog.cmdOK();
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
-        QVERIFY(dialog.BBBookingID() > 0);
-        QCOMPARE(dialog.firstRoomId(), 1);
-        QCOMPARE(Guest::legsOf(window.session().db(), dialog.BBBookingID()).size(), size_t(2));
-        QCOMPARE(DailyRate::forLeg(window.session().db(), dialog.BBBookingID(), 1).front().RoomRate, 0.0);
-        QVERIFY(window.session().calendar().roomIsBooked(Arrival.addDays(2), 2));
+        double saved = 0;
+        for (const DailyRate &night : DailyRate::forLeg(desk.db(), dialog.saved().BBBookingID, 1))
+            saved += night.RoomRate;
+        QCOMPARE(QString::number(saved, 'f', 2), shown);
+        QVERIFY(dialog.lblTotal->text().contains(QString::number(dialog.saved().total, 'f', 2)));
+        QVERIFY(desk.published.bookings().contains(dialog.saved().BBBookingID));
+    }
+
+    void confirmBookingRefusesWithoutANameAndWritesNothing()
+    {
+        RecordingSink sink;
+        ScreenDesk desk;
+        ConfirmBooking dialog(*desk.session, desk.rates, {1, 2}, Arrival, 3);
+        const QString before = bookingTables(desk.db());
+        dialog.cmdOK();
+        QCOMPARE(sink.lastShownId(), 5802);
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QCOMPARE(bookingTables(desk.db()), before);
+        QCOMPARE(desk.publications, 0);
+    }
+
+    void limitsAskWithNoAsDefaultAndNoWritesNothing()
+    {
+        RecordingSink sink;
+        ScreenDesk desk;
+        ConfirmBooking dialog(*desk.session, desk.rates, {1}, QDate(2020, 1, 10), 2);
+        dialog.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
+        countBox(dialog, 0, ConfirmBooking::ColAdults)->setValue(99);
+        const QString before = bookingTables(desk.db());
+
+        sink.answers = {false};
+        dialog.cmdOK();
+        QCOMPARE(sink.askedIds(), QList<int>{5970});
+        QVERIFY(sink.asked.last().defaultNo);
+        QCOMPARE(bookingTables(desk.db()), before);
+
+        sink.answers = {true, false};   // over the limit: yes; in the past: no
+        dialog.cmdOK();
+        QCOMPARE(sink.askedIds().mid(1), (QList<int>{5970, 5972}));
+        QVERIFY(sink.asked.last().defaultNo);
+        QCOMPARE(bookingTables(desk.db()), before);
+
+        sink.answers = {true, true};
+        dialog.cmdOK();
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    }
+
+    void aDoubleClickOnAClientPicksItAndSavesNothing()
+    {
+        RecordingSink sink;
+        ScreenDesk desk;
+        addClient(desk.db(), QStringLiteral("Zwaan"));
+        ConfirmBooking dialog(*desk.session, desk.rates, {1}, Arrival, 2);
+        dialog.show();
+        dialog.clientSearch->txtSurname->setText(QStringLiteral("Zwa"));
+        QTableView *grid = dialog.clientSearch->gdClient;
+        QCOMPARE(grid->model()->rowCount(), 1);
+        const QString before = bookingTables(desk.db());
+        const QRect cell = grid->visualRect(grid->model()->index(0, 1));
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell.center());
+        QVERIFY(dialog.clientSearch->MadeBy() > 0);
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(bookingTables(desk.db()), before);
+    }
+
+    void aFailingStatementLeavesTheNewBookingScreenOpenAndNothingWritten()
+    {
+        RecordingSink sink;
+        ScreenDesk desk;
+        injectFailure(desk.db(), "dailyrate");
+        ConfirmBooking dialog(*desk.session, desk.rates, {1, 2}, Arrival, 3);
+        dialog.show();
+        dialog.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
+        const QString before = bookingTables(desk.db());
+        click(dialog, "cmdOK");
+        QCOMPARE(sink.lastShownId(), 5033);
+        QVERIFY(sink.shown.last().text.contains(QStringLiteral("disk full")));
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(bookingTables(desk.db()), before);
+        QCOMPARE(desk.db().transactionDepth(), 0);
+        QFile log(ErrorLog::path());
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().contains("disk full"));
     }
 
     void editorGuardsAndSaves()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        const qint32 id = bookTwoRooms(window);
+        ScreenDesk desk;
+        const qint32 id = bookRooms(desk, {1, 2});
         QVERIFY(id > 0);
 
-        ViewBooking editor(window);
+        ViewBooking editor(*desk.session, desk.rates);
         QVERIFY(editor.load(id, 1));
         QVERIFY(!editor.isDirty());
+        QCOMPARE(labelText(editor, "lblBookingID"), QString::number(id));
         QVERIFY(editor.guard());
 
         editor.dpTo->setDate(Arrival.addDays(4));
         QVERIFY(editor.isDirty());
         QVERIFY(editor.datesChanged());
         QVERIFY(!editor.guard());
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Data was changed"));
+        QCOMPARE(sink.lastShownId(), 5914);
 
         sink.answer = true;   // change all legs; look at the rates
+        desk.published = Changes();
         QVERIFY(editor.cmdSave());
+        QVERIFY(desk.published.bookings().contains(id));
         QVERIFY(!editor.isDirty());
-        QVERIFY(editor.guard());
         Booking head;
-        QVERIFY(head.fetch(window.session().db(), id));
+        QVERIFY(head.fetch(desk.db(), id));
         QCOMPARE(head.ToDate, Arrival.addDays(4));
-        QCOMPARE(DailyRate::forLeg(window.session().db(), id, 2).size(), size_t(4));
+        QCOMPARE(DailyRate::forLeg(desk.db(), id, 2).size(), size_t(4));
 
         editor.ckCheckedIn->setChecked(true);
         QVERIFY(!editor.cmdSave());
         QVERIFY(!editor.ckCheckedIn->isChecked());
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Cannot Check In/Out before Arrival"));
+        QCOMPARE(sink.lastShownId(), 5819);
 
         editor.txtnoadults->setText(QStringLiteral("3"));
         QVERIFY(editor.headCountChanged());
         QVERIFY(!editor.guard());
 
         QVERIFY(!editor.load(id, 9));
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Could not find booking details"));
+        QCOMPARE(sink.lastShownId(), 5827);
+    }
+
+    void editorRefusesCommissionOutsideAHundredAndTextAsAmount_data()
+    {
+        QTest::addColumn<QString>("commission");
+        QTest::addColumn<int>("refusal");
+        QTest::newRow("250 %") << QStringLiteral("250") << 5985;
+        QTest::newRow("grouping that is not") << QStringLiteral("1,2,3") << 5991;
+    }
+
+    void editorRefusesCommissionOutsideAHundredAndTextAsAmount()
+    {
+        QFETCH(QString, commission);
+        QFETCH(int, refusal);
+        RecordingSink sink;
+        ScreenDesk desk;
+        const qint32 id = bookRooms(desk, {1});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 1));
+        const QString before = bookingTables(desk.db());
+        editor.txtAgentComm->setText(commission);
+        QVERIFY(!editor.cmdSave());
+        QCOMPARE(sink.lastShownId(), refusal);
+        QCOMPARE(bookingTables(desk.db()), before);
+    }
+
+    void anUnknownStatusSurvivesASave()
+    {
+        RecordingSink sink;
+        ScreenDesk desk;
+        const qint32 id = bookRooms(desk, {1});
+        desk.db().execute(QStringLiteral("update booking set Status = 'X' where BBBookingID = ?"), {id});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 1));
+        QCOMPARE(editor.cboStatus->currentData().toString(), QStringLiteral("X"));
+        editor.txtNotes->setPlainText(QStringLiteral("late arrival"));
+        QVERIFY(editor.cmdSave());
+        QCOMPARE(desk.db().scalar(QStringLiteral("select Status from booking where BBBookingID = ?"), {id}).toString(),
+                 QStringLiteral("X"));
+    }
+
+    void editorShowsTheLocalKeyAndTheServerNumber()
+    {
+        RecordingSink sink;
+        ScreenDesk desk;
+        const qint32 id = bookRooms(desk, {1});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 1));
+        QCOMPARE(labelText(editor, "lblBookingID"), QString::number(id));
+        QCOMPARE(labelText(editor, "lblServerNo"), QStringLiteral("not yet sent"));
+        desk.db().execute(QStringLiteral("update booking set BookingID = 151 where BBBookingID = ?"), {id});
+        QVERIFY(editor.load(id, 1));
+        QCOMPARE(labelText(editor, "lblBookingID"), QString::number(id));
+        QCOMPARE(labelText(editor, "lblServerNo"), QStringLiteral("151"));
+    }
+
+    void aFailingStatementLeavesTheEditorOpenOnSaveAndSplit()
+    {
+        RecordingSink sink;
+        sink.answer = true;
+        ScreenDesk desk;
+        const qint32 id = bookRooms(desk, {1, 2});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 1));
+        editor.show();
+        injectFailure(desk.db(), "booking");   // the split makes a new head first
+        const QString before = bookingTables(desk.db());
+        click(editor, "cmdSplit");
+        QCOMPARE(sink.lastShownId(), 5033);
+        QVERIFY(editor.isVisible());
+        QCOMPARE(bookingTables(desk.db()), before);
+
+        desk.db().execute(QStringLiteral("drop trigger injected_failure"));
+        desk.db().execute(QStringLiteral("create trigger injected_failure before update on guest begin "
+                                         "select raise(abort, 'disk full'); end"));
+        editor.dpTo->setDate(Arrival.addDays(5));
+        sink.clear();
+        click(editor, "cmdSave");
+        QCOMPARE(sink.lastShownId(), 5033);
+        QVERIFY(editor.isVisible());
+        QCOMPARE(bookingTables(desk.db()), before);
+        QCOMPARE(desk.db().transactionDepth(), 0);
+    }
+
+    void aSplitGivesEachBookingTheDepositOfItsOwnTotal()
+    {
+        RecordingSink sink;
+        sink.answer = true;
+        ScreenDesk desk;
+        const qint32 id = bookRooms(desk, {1, 6});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 6));
+        editor.cmdSplit();
+        const qint32 split = editor.edit().BBBookingID;
+        QVERIFY(split != id);
+        const auto depositOf = [&desk](qint32 booking) {
+            return desk.db().scalar(QStringLiteral("select Deposit from booking where BBBookingID = ?"), {booking}).toDouble();
+        };
+        const auto totalOf = [&desk](qint32 booking) {
+            double total = 0;
+            QSqlQuery q = desk.db().query(QStringLiteral("select RoomRate from dailyrate where BBBookingID = ?"), {booking});
+            while (q.next())
+                total += q.value(0).toDouble();
+            return total;
+        };
+        const double pct = desk.session->setup().DepositPct / 100.0;
+        QVERIFY(totalOf(id) != totalOf(split));
+        QCOMPARE(depositOf(id), pct * totalOf(id));
+        QCOMPARE(depositOf(split), pct * totalOf(split));
+        QVERIFY(desk.published.bookings().contains(id) && desk.published.bookings().contains(split));
     }
 
     void reservedNeedsTheRightAndUnavailableClearsAdults()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t, 5, false));
-        const qint32 id = bookTwoRooms(window);
-        ViewBooking editor(window);
+        ScreenDesk desk(5, false);
+        const qint32 id = bookRooms(desk, {1, 2});
+        ViewBooking editor(*desk.session, desk.rates);
         QVERIFY(editor.load(id, 2));
         const int before = editor.cboStatus->currentIndex();
         editor.cboStatus->setCurrentIndex(editor.cboStatus->findData(QStringLiteral("R")));
         QCOMPARE(editor.cboStatus->currentIndex(), before);
-        QCOMPARE(sink.shown.last().title, QStringLiteral("User not authorised"));
+        QCOMPARE(sink.lastShownId(), 5910);
 
         editor.cboStatus->setCurrentIndex(editor.cboStatus->findData(QStringLiteral("U")));
         QCOMPARE(editor.txtnoadults->text(), QStringLiteral("0"));
@@ -166,24 +372,21 @@ private Q_SLOTS:
 
     void clientButtonsChangeRemoveAndCopyEmail()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        Database &db = window.session().db();
-        const qint32 id = bookTwoRooms(window);
+        ScreenDesk desk;
+        Database &db = desk.db();
+        const qint32 id = bookRooms(desk, {1, 2});
         const qint32 teal = addClient(db, QStringLiteral("Teal"), QStringLiteral("teal@example.org"), 99);
-        ViewBooking editor(window);
+        ViewBooking editor(*desk.session, desk.rates);
         QVERIFY(editor.load(id, 1));
         editor.choosers.client = [teal](QWidget *) { return teal; };
-        sink.shown.clear();
+        sink.clear();
 
         editor.cmdMadeByChange();
         QVERIFY(editor.isDirty());
         QCOMPARE(editor.edit().MadeBy, teal);
         QCOMPARE(labelText(editor, "outMadeBy"), QStringLiteral("Teal"));
-        QCOMPARE(sink.shown.size(), 2);
-        QCOMPARE(sink.shown[0].title, QStringLiteral("'Made By' was changed."));
-        QCOMPARE(sink.shown[1].title, QStringLiteral("Different rate sheet may apply."));
+        QCOMPARE(sink.shownIds(), (QList<int>{5927, 5930}));
         QVERIFY(sink.shown[1].text.contains(QStringLiteral("99 Ratesheet not found!")));
 
         auto *remove = editor.findChild<QPushButton *>(QStringLiteral("cmdGuest2del"));
@@ -193,16 +396,16 @@ private Q_SLOTS:
         QVERIFY(remove->isEnabled());
         sink.answer = false;
         editor.cmdGuest2del();
-        QCOMPARE(sink.asked.last().title, QStringLiteral("Remove guest from booking?"));
+        QCOMPARE(sink.asked.last().id, 5935);
         QVERIFY(sink.asked.last().text.contains(QStringLiteral("Teal")));
         QVERIFY(sink.asked.last().defaultNo);
         QCOMPARE(editor.edit().BBClient2ID, teal);
 
         editor.cmdGuest2Email();
         QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("teal@example.org"));
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Email on clipboard"));
+        QCOMPARE(sink.lastShownId(), 5940);
         editor.cmdGuest1Email();   // the booking's guest has no address
-        QCOMPARE(sink.shown.last().title, QStringLiteral("No email address."));
+        QCOMPARE(sink.lastShownId(), 5938);
 
         QVERIFY(editor.cmdSave());
         QCOMPARE(loadBookingEdit(db, id, 1)->BBClient2ID, teal);
@@ -215,11 +418,10 @@ private Q_SLOTS:
 
     void sourceListPicksAndCommissionFollowsTheSource()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        Database &db = window.session().db();
-        const qint32 older = bookTwoRooms(window);
+        ScreenDesk desk;
+        Database &db = desk.db();
+        const qint32 older = bookRooms(desk, {1, 2});
         db.execute(QStringLiteral("update booking set source = 'Agent', agentcomm = 15 where bbbookingid = ?"), {older});
 
         SourceList list(db, QStringLiteral("Ag"));
@@ -234,11 +436,9 @@ private Q_SLOTS:
         typed.cmdExit->click();
         QVERIFY(typed.getSource().isEmpty());
 
-        ConfirmBooking second(window, {3}, Arrival.addDays(10), 2);
-        second.clientSearch->txtSurname->setText(QStringLiteral("Heron"));
-        second.cmdOK();
-        ViewBooking editor(window);
-        QVERIFY(editor.load(second.BBBookingID(), 3));
+        const qint32 second = bookRooms(desk, {3}, QStringLiteral("Heron"), Arrival.addDays(10), 2);
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(second, 3));
         QString typedText;
         editor.choosers.source = [&typedText](QWidget *, const QString &typed) {
             typedText = typed;
@@ -259,49 +459,48 @@ private Q_SLOTS:
 
     void viewRoomsListsTheLegsAndSwitchesTheEditor()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        Database &db = window.session().db();
-        const qint32 id = bookTwoRooms(window);
+        ScreenDesk desk;
+        Database &db = desk.db();
+        const qint32 id = bookRooms(desk, {1, 2});
 
         ViewRooms rooms(db, id);
         QVERIFY(rooms.initialise());
         QCOMPARE(rooms.gdRooms->rowCount(), 2);
-        const int row = rooms.gdRooms->item(0, 0)->text() == window.session().property().RoomName(2) ? 0 : 1;
+        const int row = rooms.gdRooms->item(0, 0)->text() == desk.session->property().RoomName(2) ? 0 : 1;
         QCOMPARE(rooms.gdRooms->item(row, 2)->text(), QStringLiteral("2"));
         rooms.pickRow(row);
         QCOMPARE(rooms.selectedRoomid(), 2);
         ViewRooms none(db, id + 100);
         QVERIFY(!none.initialise());
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Error fetching guest information"));
+        QCOMPARE(sink.lastShownId(), 5923);
 
-        ViewBooking editor(window);
+        ViewBooking editor(*desk.session, desk.rates);
         QVERIFY(editor.load(id, 1));
         qint32 pick = 2;
         editor.choosers.room = [&pick](QWidget *, qint32) { return pick; };
         editor.cmdViewRooms();
         QCOMPARE(editor.edit().loadedRoomId, 2);
-        QCOMPARE(editor.lblRoomName->text(), window.session().property().RoomName(2));
+        QCOMPARE(editor.lblRoomName->text(), desk.session->property().RoomName(2));
         QVERIFY(!editor.isDirty());
 
         db.execute(QStringLiteral("update guest set bbclientid = 0 where bbbookingid = ? and bbroomid = 1"), {id});
         pick = 1;
         editor.cmdViewRooms();
-        QCOMPARE(sink.shown.last().title, QStringLiteral("Could not fetch guest record."));
+        QCOMPARE(sink.lastShownId(), 5925);
         QCOMPARE(editor.edit().loadedRoomId, 2);
     }
 
     void checkInsListTodaysLegsAndOpenThem()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        Database &db = window.session().db();
+        ScreenDesk desk;
+        Database &db = desk.db();
         const QDate today = QDate::currentDate();
         const int listed = static_cast<int>(legsOfTheDay(db, StayEnd::Arrivals, today).size());
 
-        CheckInOut arrivals(window, StayEnd::Arrivals);
+        std::vector<std::pair<qint32, qint32>> opened;
+        CheckInOut arrivals(*desk.session, StayEnd::Arrivals, [&](qint32 b, qint32 r) { opened.emplace_back(b, r); });
         QCOMPARE(arrivals.windowTitle(), QStringLiteral("Check-Ins"));
         arrivals.fill();
         QCOMPARE(arrivals.gdBookings->rowCount(), listed);
@@ -314,8 +513,6 @@ private Q_SLOTS:
                    {sqlDate(today), sqlDate(today.addDays(1)), client});
         const qint64 booking = db.lastInsertId();
         db.execute("insert into guest (BBBookingID, BBRoomID, BBClientID) values (?, 12, ?)", {booking, client});
-        std::vector<std::pair<qint32, qint32>> opened;
-        arrivals.viewBooking = [&](MainWindow &, qint32 b, qint32 r) { opened.emplace_back(b, r); };
         if (listed > 0) {
             arrivals.openRow(0);
             QCOMPARE(opened.size(), size_t(1));
@@ -332,27 +529,24 @@ private Q_SLOTS:
 
     void doubleBookingsHoldTheDeskUntilRepairedOrLeft()
     {
-        TestDatabase t;
         RecordingSink sink;
-        MainWindow window(demoSession(t));
-        Database &db = window.session().db();
+        ScreenDesk desk;
+        Database &db = desk.db();
+        const OpenBooking nothing = [](qint32, qint32) {};
 
-        QVERIFY(DoubleBook::check(window, true));
-        QVERIFY(sink.shown.isEmpty()); // at start-up, all clear says nothing
-        QVERIFY(DoubleBook::check(window, false));
-        QCOMPARE(sink.shown.last().title, QStringLiteral("No double-bookings found."));
+        QVERIFY(DoubleBook::check(*desk.session, nothing, true));
+        QVERIFY(sink.shown.isEmpty());   // at start-up, all clear says nothing
+        QVERIFY(DoubleBook::check(*desk.session, nothing, false));
+        QCOMPARE(sink.lastShownId(), 5948);
 
-        const qint32 first = bookTwoRooms(window);
-        ConfirmBooking other(window, {3, 4}, Arrival, 3);
-        other.clientSearch->txtSurname->setText(QStringLiteral("Egret"));
-        other.cmdOK();
-        const qint32 second = other.BBBookingID();
+        const qint32 first = bookRooms(desk, {1, 2});
+        const qint32 second = bookRooms(desk, {3, 4}, QStringLiteral("Egret"));
         QVERIFY(first > 0 && second > 0);
         // As a synchronisation might leave it: the same rooms, the same nights.
         db.execute("update guest set bbroomid = bbroomid - 2 where bbbookingid = ?", {second});
 
         // Leaving from the list ends the program.
-        DoubleBook leave(window);
+        DoubleBook leave(*desk.session, nothing);
         QTimer::singleShot(0, &leave, [&leave] { leave.cmdExit(); });
         QVERIFY(!leave.initialise(true));
         QCOMPARE(leave.gdDouble->rowCount(), 2);
@@ -360,12 +554,11 @@ private Q_SLOTS:
 
         // A double-click opens the editor on that booking and room; once the clash
         // is mended, "Check Again" lets the desk go on.
-        DoubleBook mend(window);
         std::vector<std::pair<qint32, qint32>> opened;
-        mend.viewBooking = [&](MainWindow &, qint32 booking, qint32 room) {
+        DoubleBook mend(*desk.session, [&](qint32 booking, qint32 room) {
             opened.emplace_back(booking, room);
             db.execute("delete from guest where bbbookingid = ?", {second});
-        };
+        });
         QTimer::singleShot(0, &mend, [&] {
             const int row = mend.gdDouble->item(0, 0)->text().toInt() == second ? 0 : 1;
             mend.openRow(row);
@@ -374,9 +567,9 @@ private Q_SLOTS:
         QVERIFY(mend.initialise(true));
         QCOMPARE(opened.size(), size_t(1));
         QCOMPARE(opened.front().first, second);
-        QCOMPARE(sink.shown.last().title, QStringLiteral("No double-bookings found."));
+        QCOMPARE(sink.lastShownId(), 5948);
     }
 };
 
-QTEST_MAIN(TestBookingScreens)
+FENLARK_GUI_TEST_MAIN(TestBookingScreens)
 #include "test_bookingscreens.moc"

@@ -7,6 +7,7 @@
 #include "clients/screens/sourcecodemt.h"
 #include "clients/screens/viewclient.h"
 #include "shell/session.h"
+#include "support/guitestmain.h"
 #include "support/recordingsink.h"
 #include "support/testdatabase.h"
 
@@ -45,14 +46,6 @@ qint32 addClient(Database &db, const QString &first, const QString &surname, con
     c.DateCreated = QDateTime(QDate(2024, 2, 29), QTime(14, 5));
     c.update(db);
     return c.BBClientID;
-}
-
-QList<int> ids(const QList<UserMessage> &messages)
-{
-    QList<int> out;
-    for (const UserMessage &m : messages)
-        out << m.id;
-    return out;
 }
 
 void doubleClickCell(QTableView *view, int row, int column = 0)
@@ -128,7 +121,7 @@ private Q_SLOTS:
 
         sink.answer = false;
         QTest::mouseClick(editor.cmdOKButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.asked), QList<int>{6907});
+        QCOMPARE(sink.askedIds(), QList<int>{6907});
         QVERIFY(editor.isVisible());
         QVERIFY(!editor.ChangesMade());
         QCOMPARE(db().scalar("select count(*) from client").toInt(), 0);
@@ -180,12 +173,12 @@ private Q_SLOTS:
         QCOMPARE(editor.txtCompany->text(), QString("Acme Holdings"));
         QCOMPARE(editor.txtVATNo->text(), QString("4123456789"));
         QCOMPARE(editor.cboRateSheet->currentText(), QString("AGENT"));
-        QCOMPARE(ids(sink.shown), QList<int>{6909});
+        QCOMPARE(sink.shownIds(), QList<int>{6909});
 
         // Deleting a field asks which one first, then drops the row from the grid only.
         editor.tbClient->setCurrentIndex(2);
         QTest::mouseClick(editor.cmdFieldDeleteButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.shown).last(), 6911);
+        QCOMPARE(sink.shownIds().last(), 6911);
         clickCell(editor.gdExtra, 0, 2);
         QTest::mouseClick(editor.cmdFieldDeleteButton, Qt::LeftButton);
         QCOMPARE(sink.asked.last().text, QString("Delete Fax No - 021 555 0199?"));
@@ -195,7 +188,7 @@ private Q_SLOTS:
         // The company changed: asked whether this is a new client; No keeps the key.
         sink.answer = false;
         QTest::mouseClick(editor.cmdOKButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.asked).last(), 6905);
+        QCOMPARE(sink.askedIds().last(), 6905);
         QVERIFY(editor.ChangesMade());
         QCOMPARE(editor.NewClientID(), id);
         QCOMPARE(db().scalar("select company || '/' || bbratesheetid from client where bbclientid = ?", {id}).toString(),
@@ -219,7 +212,7 @@ private Q_SLOTS:
         QCOMPARE(db().scalar("select count(*) from clientextra").toInt(), 0);
 
         editor.load(999);
-        QCOMPARE(ids(sink.shown), QList<int>{6903});
+        QCOMPARE(sink.shownIds(), QList<int>{6903});
         QVERIFY(editor.txtSurname->text().isEmpty());
     }
 
@@ -309,21 +302,21 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
 
         QTest::mouseClick(dialog.cmdRetireButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.shown), QList<int>{6955});
+        QCOMPARE(sink.shownIds(), QList<int>{6955});
         QTest::mouseClick(dialog.cmdChooseRetired, Qt::LeftButton);
         QCOMPARE(dialog.outRetired->text(), QString("Pat Old - "));
         QTest::mouseClick(dialog.cmdChooseReplacement, Qt::LeftButton);
         QTest::mouseClick(dialog.cmdRetireButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.shown).last(), 6957);
+        QCOMPARE(sink.shownIds().last(), 6957);
         QVERIFY(sink.asked.isEmpty());
         QTest::mouseClick(dialog.cmdChooseReplacement, Qt::LeftButton);
         QCOMPARE(dialog.outReplacement->text(), QString("Pat Keeper - "));
 
         sink.answer = true;
         QTest::mouseClick(dialog.cmdRetireButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.asked), QList<int>{6959});
+        QCOMPARE(sink.askedIds(), QList<int>{6959});
         QVERIFY(sink.asked.front().defaultNo);
-        QCOMPARE(ids(sink.shown).last(), 6961);
+        QCOMPARE(sink.shownIds().last(), 6961);
         QCOMPARE(db().scalar("select madeby from booking").toInt(), keeper);
         QVERIFY(dialog.outRetired->text().isEmpty());
         QCOMPARE(dialog.retiredId(), 0);
@@ -332,7 +325,7 @@ private Q_SLOTS:
         QVERIFY(QApplication::overrideCursor() == nullptr);
 
         dialog.setRetired(404);
-        QCOMPARE(ids(sink.shown).last(), 6953);
+        QCOMPARE(sink.shownIds().last(), 6953);
         QCOMPARE(dialog.retiredId(), 0);
     }
 
@@ -369,11 +362,11 @@ private Q_SLOTS:
 
         QTest::mouseClick(dialog.cmdClipboardButton, Qt::LeftButton);
         QVERIFY(QApplication::clipboard()->text().startsWith(QString("Client History for (%1) Cara Naidoo\n\n").arg(cara)));
-        QCOMPARE(ids(sink.shown), QList<int>{6974});
+        QCOMPARE(sink.shownIds(), QList<int>{6974});
 
         db().execute("delete from guest");
         doubleClickCell(dialog.gdBookings, 0);
-        QCOMPARE(ids(sink.shown).last(), 6976);
+        QCOMPARE(sink.shownIds().last(), 6976);
         QCOMPARE(opened.size(), 1);
     }
 
@@ -423,7 +416,7 @@ private Q_SLOTS:
         QCOMPARE(dialog.lstReplace->item(1)->text(), QString("Webb ( 2 )"));
 
         QTest::mouseClick(dialog.cmdReplaceButton, Qt::LeftButton);
-        QCOMPARE(ids(sink.shown), QList<int>{6989});
+        QCOMPARE(sink.shownIds(), QList<int>{6989});
         dialog.lstReplace->setCurrentRow(1);
         QTest::mouseClick(dialog.cmdReplaceButton, Qt::LeftButton);
         QCOMPARE(sink.shown.last().text, QString("Please select the item that replaces Webb"));
@@ -441,5 +434,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestClientScreens)
+FENLARK_GUI_TEST_MAIN(TestClientScreens)
 #include "test_clientscreens.moc"

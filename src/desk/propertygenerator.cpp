@@ -1,4 +1,4 @@
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 
 #include "accounts/accountrecords.h"
 #include "bookings/bookingrecords.h"
@@ -33,18 +33,25 @@ const char *const Companies[] = {"Cape Coast Tours", "Karoo Adventures", "Blue C
                                  "Wild Coast Journeys", "Acme Consulting", "Baobab Holidays", "Table Bay Events"};
 const char *const Titles[] = {"Mr", "Mrs", "Ms", "Dr", ""};
 
+// Rate schemes as the rate data keeps them.
+const char *const PerPerson = "1";
+const char *const PerUnit = "2";
+
 struct RoomTypeSpec {
     const char *name;
     const char *description;
-    const char *scheme;   // "R" per room, "P" per person
+    const char *scheme;
     qint16 maxAdults;
     qint16 maxOccupancy;
+    const char *appliesTo;   // the nights of the weekend rates, Monday first
 };
+// Rooms are sold per person, the cottage as a whole; Friday and Saturday nights
+// take the weekend rates.
 const RoomTypeSpec RoomTypes[] = {
-    {"Standard Double", "Double bed, garden view", "P", 2, 3},
-    {"Twin", "Two single beds", "P", 2, 2},
-    {"Family Suite", "Double bed and bunk room", "P", 4, 5},
-    {"Garden Cottage", "Self-catering cottage", "R", 4, 6},
+    {"Standard Double", "Double bed, garden view", PerPerson, 2, 3, "----XX-"},
+    {"Twin", "Two single beds", PerPerson, 2, 2, "----XX-"},
+    {"Family Suite", "Double bed and bunk room", PerPerson, 4, 5, "----XX-"},
+    {"Garden Cottage", "Self-catering cottage", PerUnit, 4, 6, "----XX-"},
 };
 
 template <class T, std::size_t N>
@@ -147,14 +154,14 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
         type.BBRTID = t + 1;
         type.RTName = QString::fromUtf8(RoomTypes[t].name);
         type.RTDesc = QString::fromUtf8(RoomTypes[t].description);
-        type.RateScheme = QString::fromUtf8(RoomTypes[t].scheme);
+        type.RateScheme = QString::fromLatin1(RoomTypes[t].scheme);
         type.MaxAdults = RoomTypes[t].maxAdults;
         type.MaxOccupancy = RoomTypes[t].maxOccupancy;
         type.AllowChild1 = QStringLiteral("Y");
         type.AllowChild2 = QStringLiteral("Y");
         type.DefaultMealPlanID = 1;
         type.OrderBy = static_cast<qint16>(t + 1);
-        type.AppliesTo = QStringLiteral("1111111");
+        type.AppliesTo = QString::fromLatin1(RoomTypes[t].appliesTo);
         type.update(db);
         ++counts.roomTypes;
     }

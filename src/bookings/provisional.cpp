@@ -1,9 +1,10 @@
-#include "shell/provisional.h"
+#include "bookings/provisional.h"
 
 #include "bookings/bookingrecords.h"
-#include "clients/clientnames.h"
+#include "shell/displaynames.h"
 #include "shell/database.h"
 #include "shell/messages.h"
+#include "shell/refusal.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
@@ -35,9 +36,13 @@ int Provisional::checkExpired(Database &db, ProvisionalHost &host, const QDateTi
     }
     for (const Expired &row : expired) {
         host.restoreWindow();
-        const bool view = messages::question(
-            getString(1988, QStringLiteral("This is a reminder for one of your bookings. Do you want to view it now and possibly make some changes?")),
-            getString(1989, QStringLiteral("Booking Reminder - ")) + row.text);
+        UserMessage question = Refusal(1988, QStringLiteral("This is a reminder for one of your bookings. Do you want to "
+                                                            "view it now and possibly make some changes?"),
+                                       1989, QStringLiteral("Booking Reminder - "))
+                                   .toMessage();
+        question.kind = UserMessage::Question;
+        question.title += row.text;
+        const bool view = messages::sink().ask(question);
         if (view) {
             const qint32 room = db.scalar(QStringLiteral("select BBRoomID from guest where BBBookingID = ? order by BBGuestID"), {row.id}).toInt();
             host.openBooking(row.id, room);

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "shell/provisional.h"
+#include "bookings/provisional.h"
+#include "rates/ratedata.h"
+#include "shell/changes.h"
 #include "shell/session.h"
 #include "shell/ticker.h"
 
@@ -21,6 +23,7 @@ class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 class QTimer;
+class QUrl;
 
 namespace fenlark {
 
@@ -28,13 +31,13 @@ class CalendarModel;
 class CalendarView;
 class MainWindow;
 
-// Screens of later subsystems that the desk opens. Until one is connected its
-// buttons and menu entries stay disabled.
+// The screens of the subsystems that the desk opens, each replaceable by tests.
+// Until one is connected its buttons and menu entries stay disabled.
 struct DeskSeams {
     // The booking editor on one room of a booking.
     std::function<void(MainWindow &, qint32 bbBookingId, qint32 bbRoomId)> viewBooking;
-    // The new-booking screen for the chosen rooms and dates.
-    std::function<void(MainWindow &, const std::vector<qint32> &roomIds, QDate inDate, int nights)> confirmBooking;
+    // The new-booking screen for the chosen rooms and dates; the booking made, 0 for none.
+    std::function<qint32(MainWindow &, const std::vector<qint32> &roomIds, QDate inDate, int nights)> confirmBooking;
     // A synchronisation (manual: with its dialog); true when data changed.
     std::function<bool(MainWindow &, bool manual)> synchronise;
     // Everything logged again and sent (the emergency synchronisation); true when data changed.
@@ -46,9 +49,11 @@ struct DeskSeams {
     std::function<void(MainWindow &, int mode)> checkInOut;
 };
 
-// frmMain: the desk's main window. It owns the session and is where every
-// screen gets the shared data from: the database, the user, rooms, the calendar.
-class MainWindow : public QMainWindow, private TickHooks, private ProvisionalHost {
+// frmMain: the desk's main window. It owns the session and the rate data and is
+// where every screen gets the shared data from: the database, the user, rooms,
+// the calendar. It is the one listener to what the core's writes changed, and
+// brings the calendar up to date from that.
+class MainWindow : public QMainWindow, public ChangeListener, private TickHooks, private ProvisionalHost {
     Q_OBJECT
 
 public:
@@ -56,8 +61,17 @@ public:
     ~MainWindow() override;
 
     Session &session() { return *m_session; }
+    // The property's rate data, loaded once and again only when the setup changes.
+    const RateData &rates() const { return m_rates; }
     const UserStruct &getUser() const { return m_session->getUser(); }
     void setSeams(DeskSeams seams);
+
+    // Patches the calendar cache from what a write changed, then redraws.
+    void applyChanges(const Changes &changes) override;
+
+    // Opens a file or folder with the desktop's default application; false when
+    // none could. Tests put their own in.
+    std::function<bool(const QUrl &)> openUrl;
 
     // The calendar: loads the setup, empties the cache, draws from dpFrom.
     void initialise();
@@ -65,6 +79,10 @@ public:
     void drawCalendar();
     void setFromDate(QDate date);
     QDate fromDate() const;
+    // The check for rooms sold twice; false when the user chose to leave the program.
+    bool checkDoubleBookings(bool onStart);
+    // Opens the booking editor on one room of a booking (for the lists that do).
+    std::function<void(qint32, qint32)> bookingOpener();
     // The user's log-on (start-up and Change User); false when cancelled.
     bool enterPassword();
     // Closes without the unsent-changes question.
@@ -95,7 +113,7 @@ protected:
 
 private:
     // TickHooks
-    bool mainWindowActive() override;
+    bool deskIdle() override;
     void checkExpired() override;
     void synchronise() override;
     // ProvisionalHost
@@ -121,6 +139,9 @@ private:
     void afterSynchronisation();
     void manualSynch();
     void chooseLanguage();
+    void viewConfig();
+    void openFolder(const QString &path);
+    void closeEmptyAccounts();
     void chooseDatabase();
     void openColourPicker();
     void openOptions();
@@ -128,6 +149,7 @@ private:
     void changeUser();
 
     std::unique_ptr<Session> m_session;
+    RateData m_rates;
     DeskSeams m_seams;
     bool m_exitFlag = false;
     bool m_roomListActive = false;

@@ -1,4 +1,4 @@
-#include "shell/screens/deskstartuphost.h"
+#include "desk/screens/deskstartuphost.h"
 
 #include "bookings/doublebookings.h"
 #include "bookings/screens/checkinout.h"
@@ -8,7 +8,7 @@
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
-#include "shell/screens/mainwindow.h"
+#include "desk/screens/mainwindow.h"
 #include "synch/screens/dlgemergencysynch.h"
 #include "synch/screens/dlgsynch.h"
 #include "synch/synchrun.h"
@@ -83,23 +83,40 @@ bool DeskStartupHost::checkDoubleBookings(Session &session)
 
 void DeskStartupHost::showMainWindow(Session &) {}
 
+DeskSeams standardSeams()
+{
+    DeskSeams seams;
+    seams.viewBooking = [](MainWindow &w, qint32 booking, qint32 room) {
+        ViewBooking::initialise(w.session(), w.rates(), booking, room, &w);
+    };
+    seams.confirmBooking = [](MainWindow &w, const std::vector<qint32> &rooms, QDate arrival, int nights) {
+        ConfirmBooking dialog(w.session(), w.rates(), rooms, arrival, nights, &w);
+        if (dialog.exec() != QDialog::Accepted)
+            return qint32(0);
+        ViewBooking::initialise(w.session(), w.rates(), dialog.saved().BBBookingID, dialog.saved().firstRoomId, &w);
+        return dialog.saved().BBBookingID;
+    };
+    seams.synchronise = [](MainWindow &w, bool manual) {
+        return manual ? synchManually(w.session().db(), &w) : automaticSynch(w.session().db());
+    };
+    seams.emergencySynch = [](MainWindow &w) { return synchEntireDatabase(w.session().db(), &w); };
+    seams.doubleBookings = [](MainWindow &w, bool onStart) {
+        return DoubleBook::check(w.session(), w.bookingOpener(), onStart, &w);
+    };
+    seams.checkInOut = [](MainWindow &w, int mode) {
+        CheckInOut::initialise(w.session(), mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, w.bookingOpener(), &w);
+    };
+    return seams;
+}
+
 MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
 {
     auto *window = new MainWindow(std::move(session));
-    window->setSeams(DeskSeams{
-        &ViewBooking::initialise,
-        &ConfirmBooking::initialise,
-        [](MainWindow &w, bool manual) {
-            return manual ? synchManually(w.session().db(), &w) : automaticSynch(w.session().db());
-        },
-        [](MainWindow &w) { return synchEntireDatabase(w.session().db(), &w); },
-        &DoubleBook::check,
-        &CheckInOut::initialise,
-    });
+    window->setSeams(standardSeams());
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
     window->drawCalendar();
-    if (m_doubleBookings && !DoubleBook::check(*window, true)) {
+    if (m_doubleBookings && !window->checkDoubleBookings(true)) {
         window->endNicely();
         delete window;
         return nullptr;

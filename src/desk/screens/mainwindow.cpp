@@ -1,21 +1,24 @@
-#include "shell/screens/mainwindow.h"
+#include "desk/screens/mainwindow.h"
 
-#include "shell/databasechoice.h"
-#include "shell/screens/choosedatabasedialog.h"
-#include "shell/screens/deskstartuphost.h"
-
+#include "accounts/accountvalidator.h"
+#include "desk/screens/deskstartuphost.h"
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
 #include "shell/config.h"
+#include "shell/databasechoice.h"
 #include "shell/databasefiles.h"
 #include "shell/home.h"
 #include "shell/messages.h"
+#include "shell/refusal.h"
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/calendarview.h"
+#include "shell/screens/choosedatabasedialog.h"
 #include "shell/screens/eventdialog.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/languagedialog.h"
 #include "shell/screens/logindialogs.h"
 #include "shell/screens/settingsdialogs.h"
+#include "shell/screens/waitcursor.h"
 #include "shell/strings.h"
 
 #include <QAction>
@@ -23,6 +26,7 @@
 #include <QCloseEvent>
 #include <QDateEdit>
 #include <QDesktopServices>
+#include <QFile>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -137,9 +141,12 @@ QString text(int id, const char *fallback)
 
 MainWindow::MainWindow(std::unique_ptr<Session> session, QWidget *parent)
     : QMainWindow(parent)
+    , openUrl([](const QUrl &url) { return QDesktopServices::openUrl(url); })
     , m_session(std::move(session))
+    , m_rates(RateData::load(m_session->db()))
 {
     setObjectName(QStringLiteral("frmMain"));
+    m_session->setChangeListener(this);
     buildControls();
     buildMenus();
     retranslate();
@@ -150,12 +157,13 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, QWidget *parent)
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("Timer"));
     m_timer->setInterval(10000);
-    connect(m_timer, &QTimer::timeout, this, [this] { tick(); });
+    connect(m_timer, &QTimer::timeout, this, guarded([this] { tick(); }));
     m_timer->start();
 }
 
 MainWindow::~MainWindow()
 {
+    m_session->setChangeListener(nullptr);
     // The grid reads the session while it is taken down; it goes first.
     delete takeCentralWidget();
     delete m_model;
@@ -287,43 +295,43 @@ void MainWindow::buildControls()
     layout->addLayout(bottom);
     setCentralWidget(central);
 
-    connect(m_from, &QDateEdit::dateChanged, this, &MainWindow::fromDateChanged);
-    connect(m_inDate, &QDateEdit::dateChanged, this, &MainWindow::inDateChanged);
-    connect(m_leaving, &QDateEdit::dateChanged, this, &MainWindow::leavingChanged);
-    connect(m_nights, &QLineEdit::textEdited, this, &MainWindow::nightsEdited);
-    connect(m_view, &CalendarView::widthChanged, this, &MainWindow::drawCalendar);
-    connect(m_view, &QAbstractItemView::doubleClicked, this, &MainWindow::cellDoubleClicked);
-    connect(m_view->calendarHeader(), &CalendarHeader::bandDoubleClicked, this, &MainWindow::headerDoubleClicked);
-    connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::selectionChanged);
-    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+    connect(m_from, &QDateEdit::dateChanged, this, guarded(this, &MainWindow::fromDateChanged));
+    connect(m_inDate, &QDateEdit::dateChanged, this, guarded(this, &MainWindow::inDateChanged));
+    connect(m_leaving, &QDateEdit::dateChanged, this, guarded(this, &MainWindow::leavingChanged));
+    connect(m_nights, &QLineEdit::textEdited, this, guarded(this, &MainWindow::nightsEdited));
+    connect(m_view, &CalendarView::widthChanged, this, guarded(this, &MainWindow::drawCalendar));
+    connect(m_view, &QAbstractItemView::doubleClicked, this, guarded(this, &MainWindow::cellDoubleClicked));
+    connect(m_view->calendarHeader(), &CalendarHeader::bandDoubleClicked, this, guarded(this, &MainWindow::headerDoubleClicked));
+    connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, guarded(this, &MainWindow::selectionChanged));
+    connect(m_model, &QAbstractItemModel::modelReset, this, guarded([this] {
         // A new model reset replaces the selection model's contents, not the object.
         m_view->fitColumns();
-    });
+    }));
     auto *colours = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_P), m_view, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(colours, &QShortcut::activated, this, &MainWindow::openColourPicker);
+    connect(colours, &QShortcut::activated, this, guarded(this, &MainWindow::openColourPicker));
 
-    connect(button(QStringLiteral("cmdToday")), &QPushButton::clicked, this, [this] { setFromDate(QDate::currentDate().addDays(-7)); });
-    connect(button(QStringLiteral("cmdPrevWeek")), &QPushButton::clicked, this, [this] { setFromDate(fromDate().addDays(-7)); });
-    connect(button(QStringLiteral("cmdNextWeek")), &QPushButton::clicked, this, [this] { setFromDate(fromDate().addDays(7)); });
-    connect(button(QStringLiteral("cmdPrevMonth")), &QPushButton::clicked, this, [this] { setFromDate(fromDate().addMonths(-1)); });
-    connect(button(QStringLiteral("cmdNextMonth")), &QPushButton::clicked, this, [this] { setFromDate(fromDate().addMonths(1)); });
-    connect(button(QStringLiteral("cmdRefresh")), &QPushButton::clicked, this, &MainWindow::refresh);
-    connect(button(QStringLiteral("cmdCheck")), &QPushButton::clicked, this, &MainWindow::checkRooms);
-    connect(button(QStringLiteral("cmdBook")), &QPushButton::clicked, this, &MainWindow::book);
-    connect(button(QStringLiteral("cmdCloseBox")), &QPushButton::clicked, this, [this] {
+    connect(button(QStringLiteral("cmdToday")), &QPushButton::clicked, this, guarded([this] { setFromDate(QDate::currentDate().addDays(-7)); }));
+    connect(button(QStringLiteral("cmdPrevWeek")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addDays(-7)); }));
+    connect(button(QStringLiteral("cmdNextWeek")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addDays(7)); }));
+    connect(button(QStringLiteral("cmdPrevMonth")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addMonths(-1)); }));
+    connect(button(QStringLiteral("cmdNextMonth")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addMonths(1)); }));
+    connect(button(QStringLiteral("cmdRefresh")), &QPushButton::clicked, this, guarded(this, &MainWindow::refresh));
+    connect(button(QStringLiteral("cmdCheck")), &QPushButton::clicked, this, guarded(this, &MainWindow::checkRooms));
+    connect(button(QStringLiteral("cmdBook")), &QPushButton::clicked, this, guarded(this, &MainWindow::book));
+    connect(button(QStringLiteral("cmdCloseBox")), &QPushButton::clicked, this, guarded([this] {
         button(QStringLiteral("cmdCloseBox"))->setVisible(false);
         m_roomsBox->setVisible(false);
-    });
-    connect(button(QStringLiteral("cmdView")), &QPushButton::clicked, this, &MainWindow::cellDoubleClicked);
-    connect(button(QStringLiteral("cmdChangeUser")), &QPushButton::clicked, this, &MainWindow::changeUser);
+    }));
+    connect(button(QStringLiteral("cmdView")), &QPushButton::clicked, this, guarded(this, &MainWindow::cellDoubleClicked));
+    connect(button(QStringLiteral("cmdChangeUser")), &QPushButton::clicked, this, guarded(this, &MainWindow::changeUser));
     for (const auto &[name, mode] : {std::pair{"cmdCheckIn", 1}, std::pair{"cmdCheckOut", 2}}) {
-        connect(button(QString::fromLatin1(name)), &QPushButton::clicked, this, [this, mode = mode] {
+        connect(button(QString::fromLatin1(name)), &QPushButton::clicked, this, guarded([this, mode = mode] {
             if (m_seams.checkInOut)
                 m_seams.checkInOut(*this, mode);
-        });
+        }));
     }
-    connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, &MainWindow::manualSynch);
-    connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, &QWidget::close);
+    connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, guarded(this, &MainWindow::manualSynch));
+    connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, guarded(this, &QWidget::close));
 }
 
 void MainWindow::buildMenus()
@@ -368,27 +376,26 @@ void MainWindow::buildMenus()
     addAction(help, "m2About");
 
     menuAction(QStringLiteral("m2ChooseDB"))->setVisible(m_session->multipleDatabases());
-    connect(menuAction(QStringLiteral("m2Config")), &QAction::triggered, this,
-            [] { QDesktopServices::openUrl(QUrl::fromLocalFile(configPath())); });
-    connect(menuAction(QStringLiteral("m2Language")), &QAction::triggered, this, &MainWindow::chooseLanguage);
+    connect(menuAction(QStringLiteral("m2Config")), &QAction::triggered, this, guarded(this, &MainWindow::viewConfig));
+    connect(menuAction(QStringLiteral("m2Language")), &QAction::triggered, this, guarded(this, &MainWindow::chooseLanguage));
     connect(menuAction(QStringLiteral("m2InvoiceFolder")), &QAction::triggered, this,
-            [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(config::invoiceDir(m_session->dbNumber()))); });
-    connect(menuAction(QStringLiteral("m2vmfolder")), &QAction::triggered, this,
-            [] { QDesktopServices::openUrl(QUrl::fromLocalFile(Home::path())); });
-    connect(menuAction(QStringLiteral("m2Exit")), &QAction::triggered, this, &QWidget::close);
-    connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, &MainWindow::manualSynch);
-    connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, [this] {
+            guarded([this] { openFolder(config::invoiceDir(m_session->dbNumber())); }));
+    connect(menuAction(QStringLiteral("m2vmfolder")), &QAction::triggered, this, guarded([this] { openFolder(Home::path()); }));
+    connect(menuAction(QStringLiteral("m2AccountsCloseEmpty")), &QAction::triggered, this, guarded(this, &MainWindow::closeEmptyAccounts));
+    connect(menuAction(QStringLiteral("m2Exit")), &QAction::triggered, this, guarded(this, &QWidget::close));
+    connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, guarded(this, &MainWindow::manualSynch));
+    connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, guarded([this] {
         if (m_seams.emergencySynch && m_seams.emergencySynch(*this))
             afterSynchronisation();
-    });
-    connect(menuAction(QStringLiteral("m2DoubleBooking")), &QAction::triggered, this, [this] {
+    }));
+    connect(menuAction(QStringLiteral("m2DoubleBooking")), &QAction::triggered, this, guarded([this] {
         const QString ask = getString(2299, QStringLiteral("Check for double bookings?"));
-        if (m_seams.doubleBookings && messages::question(ask, ask) && !m_seams.doubleBookings(*this, false))
+        if (m_seams.doubleBookings && messages::ask(2299, ask, 2299, ask) && !checkDoubleBookings(false))
             endNicely();
-    });
-    connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, &MainWindow::chooseDatabase);
-    connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, &MainWindow::openOptions);
-    connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, &MainWindow::showAbout);
+    }));
+    connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
+    connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
+    connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, guarded(this, &MainWindow::showAbout));
 }
 
 void MainWindow::retranslate()
@@ -452,7 +459,7 @@ void MainWindow::updateCommandStates()
     button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
 
     static const char *activeActions[] = {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
-                                          "m2Exit", "m2Options", "m2About"};
+                                          "m2Exit", "m2Options", "m2About", "m2AccountsCloseEmpty"};
     for (QAction *action : m_actions) {
         bool on = false;
         for (const char *name : activeActions)
@@ -465,9 +472,20 @@ void MainWindow::updateCommandStates()
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 
+void MainWindow::applyChanges(const Changes &changes)
+{
+    if (changes.setupChanged()) {
+        m_session->reloadSetup();
+        m_rates = RateData::load(m_session->db());
+    }
+    m_session->calendar().refresh(m_session->db(), changes);
+    drawCalendar();
+}
+
 void MainWindow::initialise()
 {
     m_session->reloadSetup();
+    m_rates = RateData::load(m_session->db());
     m_updating = true;
     m_from->setDate(QDate::currentDate().addDays(-7));
     m_inDate->setDate(QDate::currentDate());
@@ -484,17 +502,18 @@ QDate MainWindow::fromDate() const
 
 void MainWindow::drawCalendar()
 {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const int row = m_view->currentIndex().row();
-    m_model->drawCalendar(m_from->date(), m_view->dayColumns());
-    if (row >= 0)
-        m_view->scrollTo(m_model->index(row, 0));
-    QApplication::restoreOverrideCursor();
+    {
+        WaitCursor wait;
+        const int row = m_view->currentIndex().row();
+        m_model->drawCalendar(m_from->date(), m_view->dayColumns());
+        if (row >= 0)
+            m_view->scrollTo(m_model->index(row, 0));
+    }
 
     const auto &missing = m_model->grid().missingClients();
     if (!missing.empty() && missing != m_lastMissing)
-        messages::critical(getString(2284, QStringLiteral("Could not find guest data for booking: ")) + QString::number(missing.front()),
-                           getString(2285, QStringLiteral("System error.")));
+        messages::show(Refusal(2284, QStringLiteral("Could not find guest data for booking: "), 2285, QStringLiteral("System error."))
+                           .thenText(QString::number(missing.front())));
     m_lastMissing = missing;
 }
 
@@ -625,7 +644,8 @@ void MainWindow::checkRooms()
         closeBox->setVisible(true);
         m_roomsBox->setVisible(true);
     }
-    if (!checkNights(m_nights->text())) {
+    if (Outcome nights = checkNights(m_nights->text()); !nights) {
+        messages::show(nights.refusal());
         m_nights->setFocus();
         return;
     }
@@ -642,8 +662,7 @@ void MainWindow::checkRooms()
     m_rooms->clear();
     const std::vector<qint32> free = freeRooms(m_session->db(), m_session->calendar(), allRooms, from, nights);
     if (free.empty()) {
-        messages::critical(getString(1691, QStringLiteral("There are no rooms free for these dates.")),
-                           getString(1692, QStringLiteral("No rooms available")));
+        messages::critical(1691, QStringLiteral("There are no rooms free for these dates."), 1692, QStringLiteral("No rooms available"));
     } else {
         for (qint32 id : free) {
             auto *item = new QListWidgetItem(m_session->property().RoomName(id), m_rooms);
@@ -665,12 +684,25 @@ void MainWindow::book()
     for (QListWidgetItem *item : m_rooms->selectedItems())
         rooms.push_back(item->data(Qt::UserRole).toInt());
     if (rooms.empty()) {
-        messages::critical(getString(2276, QStringLiteral("You didn't pick a room.")),
-                           getString(2277, QStringLiteral("No room selected")));
+        messages::critical(2276, QStringLiteral("You didn't pick a room."), 2277, QStringLiteral("No room selected"));
         return;
     }
-    if (m_seams.confirmBooking)
-        m_seams.confirmBooking(*this, rooms, m_inDate->date(), m_nights->text().toInt());
+    if (!m_seams.confirmBooking || m_seams.confirmBooking(*this, rooms, m_inDate->date(), m_nights->text().toInt()) == 0)
+        return;
+    // A booking was made: the room list has served and closes.
+    button(QStringLiteral("cmdCloseBox"))->setVisible(false);
+    m_roomsBox->setVisible(false);
+    clearRoomList();
+}
+
+bool MainWindow::checkDoubleBookings(bool onStart)
+{
+    return !m_seams.doubleBookings || m_seams.doubleBookings(*this, onStart);
+}
+
+std::function<void(qint32, qint32)> MainWindow::bookingOpener()
+{
+    return [this](qint32 booking, qint32 room) { openBooking(booking, room); };
 }
 
 void MainWindow::cellDoubleClicked()
@@ -682,8 +714,7 @@ void MainWindow::cellDoubleClicked()
         if (!cell.isValid() || i.row() < cell.row() || (i.row() == cell.row() && i.column() < cell.column()))
             cell = i;
     if (!cell.isValid() || cell.data(Qt::DisplayRole).toString().isEmpty()) {
-        messages::critical(getString(2286, QStringLiteral("No booking selected.")),
-                           getString(2287, QStringLiteral("Please select a booking")));
+        messages::critical(2286, QStringLiteral("No booking selected."), 2287, QStringLiteral("Please select a booking"));
         return;
     }
     if (!m_seams.viewBooking)
@@ -699,7 +730,7 @@ void MainWindow::headerDoubleClicked(int column, int band)
     const DayHeader &header = m_model->grid().header(column);
     EventDialog dialog(m_session->db(), header.date, band + 1, header.event[band], this);
     if (dialog.exec() == QDialog::Accepted)
-        drawCalendar();
+        applyChanges(Changes().events());
 }
 
 void MainWindow::refresh()
@@ -721,9 +752,11 @@ void MainWindow::manualSynch()
 
 void MainWindow::afterSynchronisation()
 {
-    refresh();
+    // A run starts with the setup download, so the rate data may have changed too.
+    applyChanges(Changes().setup());
+    m_view->setFocus();
     // What the server delivered may have sold a room twice.
-    if (m_seams.doubleBookings && !m_seams.doubleBookings(*this, true))
+    if (!checkDoubleBookings(true))
         endNicely();
 }
 
@@ -742,10 +775,36 @@ void MainWindow::chooseLanguage()
     LanguageDialog::showDialog(this);
 }
 
+void MainWindow::viewConfig()
+{
+    if (openUrl(QUrl::fromLocalFile(configPath())))
+        return;
+    // Without a text editor the file is shown in a message of its own.
+    QFile file(configPath());
+    const QString text = file.open(QIODevice::ReadOnly | QIODevice::Text) ? QString::fromUtf8(file.readAll()) : QString();
+    messages::inform(0, text, 0, QStringLiteral("vmConfig.ini"));
+}
+
+void MainWindow::openFolder(const QString &path)
+{
+    if (path.isEmpty() || openUrl(QUrl::fromLocalFile(path)))
+        return;
+    messages::show(Refusal(1263, QStringLiteral("Could not open the file manager."), 1264,
+                           QStringLiteral("Could not open the file manager")));
+}
+
+void MainWindow::closeEmptyAccounts()
+{
+    if (!messages::ask(5186, QStringLiteral("Close off all empty accounts?"), 5187, QStringLiteral("Close empty accounts")))
+        return;
+    WaitCursor wait;
+    AccountValidator().closeAllEmptyAccounts(m_session->db());
+}
+
 void MainWindow::openColourPicker()
 {
     ColourPickerDialog dialog(*m_session, this);
-    connect(&dialog, &ColourPickerDialog::coloursChanged, this, &MainWindow::drawCalendar);
+    connect(&dialog, &ColourPickerDialog::coloursChanged, this, guarded(this, &MainWindow::drawCalendar));
     dialog.exec();
 }
 
@@ -787,9 +846,10 @@ Ticker::Result MainWindow::tick()
     return Ticker::tick(m_session->db(), *this);
 }
 
-bool MainWindow::mainWindowActive()
+bool MainWindow::deskIdle()
 {
-    return QApplication::activeWindow() == this && !QApplication::activeModalWidget();
+    // In the background or minimised the desk still ticks; a dialog holds it.
+    return !QApplication::activeModalWidget();
 }
 
 void MainWindow::checkExpired()
@@ -801,11 +861,14 @@ void MainWindow::synchronise()
 {
     if (!m_seams.synchronise)
         return;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    button(QStringLiteral("cmdSynch"))->setEnabled(false);
-    const bool changed = m_seams.synchronise(*this, false);
-    button(QStringLiteral("cmdSynch"))->setEnabled(true);
-    QApplication::restoreOverrideCursor();
+    bool changed = false;
+    QPushButton *synch = button(QStringLiteral("cmdSynch"));
+    synch->setEnabled(false);
+    {
+        WaitCursor wait;
+        runGuarded([&] { changed = m_seams.synchronise(*this, false); });
+    }
+    synch->setEnabled(true);
     if (changed)
         afterSynchronisation();
 }
@@ -824,7 +887,10 @@ void MainWindow::openBooking(qint32 bbBookingId, qint32 bbRoomId)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (mayExit(m_session->db(), m_exitFlag)) {
+    // A database that fails the question does not keep the desk from closing.
+    bool may = true;
+    runGuarded([&] { may = mayExit(m_session->db(), m_exitFlag); });
+    if (may) {
         event->accept();
     } else {
         m_exitFlag = false;

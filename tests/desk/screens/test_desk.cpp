@@ -1,22 +1,24 @@
+#include "accounts/accounts.h"
+#include "desk/screens/mainwindow.h"
+#include "shell/config.h"
+#include "shell/errorlog.h"
+#include "shell/deskfixture.h"
 #include "shell/screens/calendarview.h"
-#include "shell/screens/eventdialog.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/languagedialog.h"
-#include "shell/screens/logindialogs.h"
-#include "shell/screens/mainwindow.h"
-#include "shell/screens/settingsdialogs.h"
 #include "shell/strings.h"
+#include "support/guitestmain.h"
 #include "support/testdatabase.h"
-#include "../deskfixture.h"
 
-#include <QAbstractItemModelTester>
 #include <QAction>
-#include <QComboBox>
+#include <QDialog>
+#include <QFile>
 #include <QDateEdit>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSlider>
+#include <QTimer>
 #include <QtTest>
 
 using namespace fenlark;
@@ -45,31 +47,6 @@ class TestDesk : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void calendarModelPassesTheModelTester()
-    {
-        TestDatabase t;
-        auto session = makeSession(t);
-        session->reloadSetup();
-        CalendarModel model(*session);
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-        const QDate from = QDate::currentDate().addDays(-7);
-        model.drawCalendar(from, 20);
-        QCOMPARE(model.rowCount(), 4);
-        QCOMPARE(model.columnCount(), 20);
-        const QModelIndex arrival = model.index(1, 2);
-        QCOMPARE(arrival.data().toString(), QString("2+1\nSmi"));
-        QCOMPARE(arrival.data(Qt::BackgroundRole).value<QColor>(), QColor(85, 185, 255));
-        QCOMPARE(arrival.data(CalendarModel::RoomIdRole).toInt(), 2);
-        QCOMPARE(model.index(0, 2).data(Qt::BackgroundRole).value<QColor>(), QColor(Qt::white));
-        QCOMPARE(model.headerData(0, Qt::Vertical).toString(), QString("Room 1"));
-        QCOMPARE(model.headerData(0, Qt::Vertical, Qt::ToolTipRole).toString(), QString("Double"));
-        QCOMPARE(model.headerData(7, Qt::Horizontal, Qt::ForegroundRole).value<QColor>(), QColor(205, 60, 100));
-        QCOMPARE(model.headerData(2, Qt::Horizontal, CalendarModel::BandTextRole + 2).toString(),
-                 QString::number(from.addDays(2).day()));
-        model.drawCalendar(from.addDays(7), 5);
-        QCOMPARE(model.columnCount(), 5);
-    }
-
     void windowDrawsTheDaysItsWidthHoldsAndFillsIt()
     {
         TestDatabase t;
@@ -161,21 +138,7 @@ private Q_SLOTS:
         RecordingSink sink;
         window.calendarView()->setCurrentIndex(window.calendarModel()->index(0, 4));
         window.button("cmdView")->click();
-        QCOMPARE(sink.titles, QStringList{"Please select a booking"});
-    }
-
-    void statusListSelectsTheCodeOrTheFirst()
-    {
-        TestDatabase t;
-        StatusColours colours;
-        colours.load(t.db());
-        QComboBox combo;
-        fillStatusList(&combo, colours, "S");
-        QCOMPARE(combo.count(), 7);
-        QCOMPARE(combo.currentText(), QString("Paid"));
-        fillStatusList(&combo, colours, "Z");
-        QCOMPARE(combo.currentIndex(), 0);
-        QCOMPARE(combo.currentData().toString(), QString("C"));
+        QCOMPARE(sink.shownIds(), QList<int>{2286});
     }
 
     void optionsAreForAdminOnly()
@@ -184,7 +147,7 @@ private Q_SLOTS:
         MainWindow window(makeSession(t, "mary"));
         RecordingSink sink;
         window.menuAction("m2Options")->trigger();
-        QCOMPARE(sink.titles, QStringList{"Permission denied."});
+        QCOMPARE(sink.shownIds(), QList<int>{5100});
     }
 
     void languageChangeRetranslatesOpenWindows()
@@ -200,117 +163,6 @@ private Q_SLOTS:
         QCOMPARE(window.session().statusColours().find("C")->Description, QString("Confirmada"));
         LanguageDialog::applyLanguage(EnglishLanguage);
         QCOMPARE(window.button("cmdToday")->text(), QString("&Today"));
-    }
-
-    void colourPickerCancelKeepsSaveAndRestoreStore()
-    {
-        TestDatabase t;
-        auto session = makeSession(t);
-        session->reloadSetup();
-        {
-            ColourPickerDialog dialog(*session);
-            QCOMPARE(dialog.statusList()->currentData().toString(), QString("C"));
-            dialog.slider(0)->setValue(10);
-            QCOMPARE(int(dialog.pending()[0].Red), 10);
-            dialog.reject();
-        }
-        QCOMPARE(int(session->statusColours().find("C")->Red), 85);
-        QCOMPARE(t.db().scalar("select Red from status where Status = 'C'").toInt(), 85);
-
-        RecordingSink sink;
-        ColourPickerDialog dialog(*session);
-        QSignalSpy changed(&dialog, &ColourPickerDialog::coloursChanged);
-        dialog.statusList()->setCurrentIndex(4);   // "S"
-        dialog.slider(2)->setValue(7);
-        sink.answers = {false};
-        dialog.save();
-        QCOMPARE(t.db().scalar("select Blue from status where Status = 'S'").toInt(), 130);
-        sink.answers = {true};
-        dialog.save();
-        QCOMPARE(t.db().scalar("select Blue from status where Status = 'S'").toInt(), 7);
-        QCOMPARE(int(session->statusColours().find("S")->Blue), 7);
-        QCOMPARE(changed.count(), 1);
-
-        ColourPickerDialog again(*session);
-        sink.answers = {true};
-        again.restore();
-        QCOMPARE(t.db().scalar("select Blue from status where Status = 'S'").toInt(), 130);
-        QCOMPARE(int(again.pending()[4].Blue), 130);
-        QCOMPARE(sink.asked, (QStringList{"Save these colours", "Save these colours", "Restore defaults?"}));
-    }
-
-    void loginDialogRefusesThenBinds()
-    {
-        TestDatabase t;
-        RecordingSink sink;
-        LoginDialog dialog(t.db(), 0);
-        dialog.bbidEdit()->setText("9999");
-        dialog.passwordEdit()->setText("pw");
-        dialog.accept();
-        QVERIFY(!dialog.loginOK());
-        QCOMPARE(sink.titles, QStringList{"Incorrect BBID"});
-        dialog.bbidEdit()->setText("12345");
-        dialog.passwordEdit()->setText("");
-        dialog.accept();
-        QCOMPARE(sink.titles.last(), QString("Valid password required"));
-        dialog.passwordEdit()->setText("p\"w");
-        dialog.accept();
-        QVERIFY(dialog.loginOK());
-        QCOMPARE(t.db().scalar("select BBID from bbsetup").toInt(), 12345);
-    }
-
-    void passwordDialogKeepsAskingOnAWrongPassword()
-    {
-        TestDatabase t;
-        t.db().execute("insert into bbsetup (BBID, Password, WVPassword) values(12345, 'pw', '')");
-        t.db().execute("insert into vmuser values(4, 'mary', 'Mary1', 0)");
-        RecordingSink sink;
-        PasswordDialog dialog(t.db());
-        QVERIFY(dialog.isRequired());
-        QCOMPARE(dialog.userList()->itemText(0), QString("admin"));
-        dialog.userList()->setCurrentIndex(1);
-        dialog.passwordEdit()->setText("mary1");
-        dialog.accept();
-        QVERIFY(!dialog.getUser());
-        QCOMPARE(sink.titles, QStringList{"Incorrect Password"});
-        dialog.passwordEdit()->setText("Mary1");
-        dialog.accept();
-        QVERIFY(dialog.getUser());
-        QCOMPARE(dialog.getUser()->UserName, QString("mary"));
-    }
-
-    void eventDialogEditsAndChecks()
-    {
-        TestDatabase t;
-        const QDate day(2026, 5, 4);
-        EventData e;
-        e.EventIndex = 3;
-        e.FromDate = day;
-        e.ToDate = day.addDays(2);
-        e.EventNote = "Market";
-        e.update(t.db());
-        RecordingSink sink;
-        EventDialog edit(t.db(), day.addDays(1), 3, &e);
-        QVERIFY(edit.isUpdate());
-        QVERIFY(!edit.deleteButton()->isHidden());
-        QCOMPARE(edit.fromEdit()->date(), day);
-        edit.toEdit()->setDate(day.addDays(4));
-        edit.accept();
-        QCOMPARE(edit.result(), int(QDialog::Accepted));
-        QCOMPARE(t.db().scalar("select ToDate from event").toString(), QString("2026-05-08"));
-
-        EventDialog add(t.db(), day.addDays(3), 3, nullptr);
-        QVERIFY(!add.isUpdate());
-        QVERIFY(add.deleteButton()->isHidden());
-        add.textEdit()->setPlainText("Fair");
-        add.accept();
-        QCOMPARE(sink.titles, QStringList{"Overlapping event dates"});
-        QCOMPARE(t.db().scalar("select count(*) from event").toInt(), 1);
-
-        sink.answers = {true};
-        EventDialog remove(t.db(), day, 3, &e);
-        remove.deleteEvent();
-        QCOMPARE(t.db().scalar("select count(*) from event").toInt(), 0);
     }
 
     // Changes from the server may sell a room twice: the check follows, and leaving
@@ -339,13 +191,113 @@ private Q_SLOTS:
         QVERIFY(!window.isVisible());
     }
 
-    void tickDoesNothingWhileTheWindowIsNotActive()
+    void aWriteComesBackToTheCalendarThroughOneRoad()
     {
         TestDatabase t;
         MainWindow window(makeSession(t));
-        QCOMPARE(window.tick(), Ticker::Skipped);
+        window.resize(1100, 650);
+        window.show();
+        window.initialise();
+        CalendarModel *model = window.calendarModel();
+        const int day = 10;
+        QVERIFY(model->index(2, day).data().toString().isEmpty());
+        const qint32 c = addClient(t.db(), "Bea", "Lark");
+        const qint32 id = addBooking(t.db(), 3, c, window.fromDate().addDays(day), 2, "P", 1);
+        QVERIFY(model->index(2, day).data().toString().isEmpty());   // nobody said
+        window.session().publish(Changes().booking(id).client(c));
+        QCOMPARE(model->index(2, day).data().toString(), QString("1\nLar"));
+
+        // Moved to another room: both rooms are read again.
+        t.db().execute("update guest set BBRoomID = 4 where BBBookingID = ?", {id});
+        window.session().publish(Changes().booking(id));
+        QVERIFY(model->index(2, day).data().toString().isEmpty());
+        QCOMPARE(model->index(3, day + 1).data(CalendarModel::BookingIdRole).toInt(), id);
+    }
+
+    void theBookingPanelStartsAtToday()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        window.show();
+        window.initialise();
+        QCOMPARE(window.fromDate(), QDate::currentDate().addDays(-7));
+        QCOMPARE(window.inDateEdit()->date(), QDate::currentDate());
+    }
+
+    void theTickRunsInTheBackgroundButNotUnderADialog()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        writeConfig("AutoSynch", "N");
+        QCOMPARE(window.tick(), Ticker::AutoSynchOff);   // not shown, not active: it still ticks
+        Ticker::Result underDialog = Ticker::Synchronised;
+        QDialog dialog(&window);
+        QTimer::singleShot(0, &dialog, [&] {
+            underDialog = window.tick();
+            dialog.reject();
+        });
+        dialog.exec();
+        QCOMPARE(underDialog, Ticker::Skipped);
+    }
+
+    void aFailingTickIsReportedAndTheDeskGoesOn()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(makeSession(t));
+        writeConfig("AutoSynch", "Y");
+        t.db().execute("alter table dblog rename to dblog_gone");   // every look at the log fails
+        const int before = guardedFailures();
+        QTimer *timer = window.findChild<QTimer *>("Timer");
+        timer->start(1);
+        QTRY_VERIFY(guardedFailures() > before);
+        timer->stop();
+        QCOMPARE(sink.lastShownId(), 5033);
+        QFile log(ErrorLog::path());
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().contains("dblog"));
+    }
+
+    void configAndFoldersSayWhenNothingOpensThem()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(makeSession(t));
+        QList<QUrl> asked;
+        window.openUrl = [&](const QUrl &url) {
+            asked << url;
+            return false;
+        };
+        writeConfig("Server", "example.org");
+        window.menuAction("m2Config")->trigger();
+        QCOMPARE(asked.size(), 1);
+        QCOMPARE(sink.shown.last().title, QString("vmConfig.ini"));
+        QVERIFY(sink.shown.last().text.contains("Server=example.org"));
+        window.menuAction("m2vmfolder")->trigger();
+        QCOMPARE(sink.lastShownId(), 1263);
+        window.openUrl = [&](const QUrl &) { return true; };
+        sink.clear();
+        window.menuAction("m2vmfolder")->trigger();
+        QVERIFY(sink.shown.isEmpty());
+    }
+
+    void closeEmptyClosesTheAccountsThatHoldNothing()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(makeSession(t));
+        const qint32 c = addClient(t.db(), "Cy", "Empty");
+        const qint32 account = createAccount(t.db(), c);
+        QVERIFY(window.menuAction("m2AccountsCloseEmpty")->isEnabled());
+        sink.answers = {false};
+        window.menuAction("m2AccountsCloseEmpty")->trigger();
+        QCOMPARE(t.db().scalar("select Status from account where BBAccountID = ?", {account}).toString(), QString("O"));
+        sink.answers = {true};
+        window.menuAction("m2AccountsCloseEmpty")->trigger();
+        QCOMPARE(sink.askedIds(), (QList<int>{5186, 5186}));
+        QCOMPARE(t.db().scalar("select Status from account where BBAccountID = ?", {account}).toString(), QString("C"));
     }
 };
 
-QTEST_MAIN(TestDesk)
+FENLARK_GUI_TEST_MAIN(TestDesk)
 #include "test_desk.moc"

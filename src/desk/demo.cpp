@@ -1,10 +1,10 @@
-#include "shell/demo.h"
+#include "desk/demo.h"
 
 #include "shell/database.h"
 #include "shell/databasefiles.h"
 #include "shell/errorlog.h"
 #include "shell/home.h"
-#include "shell/propertygenerator.h"
+#include "desk/propertygenerator.h"
 #include "shell/setuprecords.h"
 
 #include <QDir>
