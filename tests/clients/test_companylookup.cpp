@@ -68,6 +68,8 @@ private Q_SLOTS:
         QCOMPARE(names(lookupCompanies(t.db(), "%Tours")), QStringList{"100% Tours|2|"});
         QCOMPARE(names(lookupCompanies(t.db(), "_'")), QStringList{"O'Brien & Sons|1|"});
         QCOMPARE(names(lookupCompanies(t.db(), "Ōsaka \"")), QStringList{"Ōsaka \"Best\" Travel|3|"});
+        // Case folds in every alphabet.
+        QCOMPARE(names(lookupCompanies(t.db(), "ōSAKA")), QStringList{"Ōsaka \"Best\" Travel|3|"});
         QVERIFY(lookupCompanies(t.db(), "\"").empty());
     }
 
