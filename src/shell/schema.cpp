@@ -277,11 +277,13 @@ const char *const Version4[] = {
 // Version 5: the order in which the client editor lists extra fields ships with
 // the program (an extra of a type missing here is not shown, and the editor's
 // next save would drop it); and a client's history and retirement find the
-// rooms where the client was the second guest.
+// rooms where the client was the second guest; the company lookup reads the
+// folded company with the phone and address it lists from one index.
 const char *const Version5[] = {
     R"(insert or ignore into clientxsort (fieldtype, orderby) values
         ('P', 1), ('F', 2), ('C', 3), ('I', 4), ('N', 5), ('O', 6), ('T', 7), ('S', 8))",
     "create index if not exists guest_client2 on guest (BBClient2ID)",
+    "create index if not exists client_companyfold on client (foldcase(Company), Company, PhoneNo, Add1)",
 };
 
 struct Migration {
