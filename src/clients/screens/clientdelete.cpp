@@ -4,6 +4,7 @@
 #include "clients/clientretirement.h"
 #include "clients/screens/clientsearchdialogs.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/screens/waitcursor.h"
 #include "shell/session.h"
@@ -86,16 +87,16 @@ ClientDelete::ClientDelete(Session &session, QWidget *parent)
     layout->addStretch(1);
     layout->addLayout(buttons);
 
-    connect(cmdChooseRetired, &QPushButton::clicked, this, [this] {
+    connect(cmdChooseRetired, &QPushButton::clicked, this, guarded([this] {
         if (const qint32 chosen = chooseClient(this))
             setRetired(chosen);
-    });
-    connect(cmdChooseReplacement, &QPushButton::clicked, this, [this] {
+    }));
+    connect(cmdChooseReplacement, &QPushButton::clicked, this, guarded([this] {
         if (const qint32 chosen = chooseClient(this))
             setReplacement(chosen);
-    });
-    connect(cmdRetireButton, &QPushButton::clicked, this, &ClientDelete::cmdRetire);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
+    }));
+    connect(cmdRetireButton, &QPushButton::clicked, this, guarded(this, &ClientDelete::cmdRetire));
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 bool ClientDelete::display(qint32 clientId, QLabel *label)

@@ -1,6 +1,7 @@
 #include "clients/screens/clienthistorydialog.h"
 
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -15,7 +16,7 @@
 
 namespace fenlark {
 
-ClientHistory::ClientHistory(Session &session, std::function<void(QWidget *, qint32, qint32)> openBooking, QWidget *parent)
+ClientHistory::ClientHistory(Session &session, std::function<void(qint32, qint32)> openBooking, QWidget *parent)
     : QDialog(parent)
     , m_session(session)
     , m_openBooking(std::move(openBooking))
@@ -47,9 +48,9 @@ ClientHistory::ClientHistory(Session &session, std::function<void(QWidget *, qin
 
     search->initialise(this, session.db());
     search->singleClick();
-    connect(gdBookings, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { openRow(index.row()); });
-    connect(cmdClipboardButton, &QPushButton::clicked, this, &ClientHistory::cmdClipboard);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
+    connect(gdBookings, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
+    connect(cmdClipboardButton, &QPushButton::clicked, this, guarded(this, &ClientHistory::cmdClipboard));
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 void ClientHistory::doubleClick()
@@ -79,7 +80,7 @@ void ClientHistory::openRow(int row)
                          QStringLiteral("Could not find room."));
         return;
     }
-    m_openBooking(this, booking, room);
+    m_openBooking(booking, room);
     fill(m_clientId);
 }
 

@@ -21,7 +21,7 @@ class ClientHistory : public QDialog, public IClientSearch {
     Q_OBJECT
 public:
     // openBooking shows the booking editor on that booking and room.
-    ClientHistory(Session &session, std::function<void(QWidget *parent, qint32 bookingId, qint32 roomId)> openBooking,
+    ClientHistory(Session &session, std::function<void(qint32 bookingId, qint32 roomId)> openBooking,
                   QWidget *parent = nullptr);
 
     void doubleClick() override;
@@ -45,7 +45,7 @@ public:
 
 private:
     Session &m_session;
-    std::function<void(QWidget *, qint32, qint32)> m_openBooking;
+    std::function<void(qint32, qint32)> m_openBooking;
     ClientHistoryModel *m_model = nullptr;
     qint32 m_clientId = 0;
 };

@@ -1,5 +1,6 @@
 #include "clients/screens/companylk.h"
 
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -51,16 +52,16 @@ CompanyLk::CompanyLk(Database &db, const QString &company, QWidget *parent)
     layout->addLayout(buttons);
     resize(560, 420);
 
-    connect(txtCompanySearch, &QLineEdit::textChanged, this, [this] { search(); });
-    connect(gdCompany, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { chooseRow(index.row()); });
-    connect(cmdOK, &QPushButton::clicked, this, [this] {
+    connect(txtCompanySearch, &QLineEdit::textChanged, this, guarded([this] { search(); }));
+    connect(gdCompany, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { chooseRow(index.row()); }));
+    connect(cmdOK, &QPushButton::clicked, this, guarded([this] {
         const QModelIndexList chosen = gdCompany->selectionModel()->selectedRows();
         if (chosen.isEmpty())
             reject();
         else
             chooseRow(chosen.first().row());
-    });
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    }));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     search();
 }
 

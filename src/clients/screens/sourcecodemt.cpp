@@ -2,6 +2,7 @@
 
 #include "clients/sourcerename.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -72,8 +73,8 @@ SourceCodeMT::SourceCodeMT(Session &session, QWidget *parent)
     layout->addLayout(buttons);
     resize(560, 420);
 
-    connect(cmdReplaceButton, &QPushButton::clicked, this, &SourceCodeMT::cmdReplace);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdReplaceButton, &QPushButton::clicked, this, guarded(this, &SourceCodeMT::cmdReplace));
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     refill();
 }
 

@@ -4,6 +4,7 @@
 #include "clients/screens/companylk.h"
 #include "rates/ratelists.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -130,13 +131,13 @@ ViewClient::ViewClient(Session &session, ClientScreens screens, QWidget *parent)
     layout->addLayout(buttons);
     resize(640, 480);
 
-    connect(tbClient, &QTabWidget::currentChanged, this, &ViewClient::tabChanged);
-    connect(cmdOKButton, &QPushButton::clicked, this, &ViewClient::cmdOK);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(cmdStatement, &QPushButton::clicked, this, [this] {
+    connect(tbClient, &QTabWidget::currentChanged, this, guarded(this, &ViewClient::tabChanged));
+    connect(cmdOKButton, &QPushButton::clicked, this, guarded(this, &ViewClient::cmdOK));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
+    connect(cmdStatement, &QPushButton::clicked, this, guarded([this] {
         if (!m_editor.isNew())
             m_screens.statement(this, m_editor.clientId());
-    });
+    }));
 }
 
 QWidget *ViewClient::buildPersonal()
@@ -179,9 +180,9 @@ QWidget *ViewClient::buildPersonal()
     form->addRow(label(6936, "Created"), outCreated);
     form->addRow(label(6940, "Created on"), outCreatedOn);
 
-    connect(cmdCompanyLkButton, &QPushButton::clicked, this, &ViewClient::cmdCompanyLk);
-    connect(cmdEmailButton, &QPushButton::clicked, this, &ViewClient::cmdEmail);
-    connect(txtEmail, &QLineEdit::textChanged, this, &ViewClient::showWarnings);
+    connect(cmdCompanyLkButton, &QPushButton::clicked, this, guarded(this, &ViewClient::cmdCompanyLk));
+    connect(cmdEmailButton, &QPushButton::clicked, this, guarded(this, &ViewClient::cmdEmail));
+    connect(txtEmail, &QLineEdit::textChanged, this, guarded(this, &ViewClient::showWarnings));
     return page;
 }
 
@@ -197,7 +198,7 @@ QWidget *ViewClient::buildAddress()
     form->addRow(QString(), lblVatWarning);
     form->addRow(label(6938, "Address line 1"), txtAdd1);
     form->addRow(label(6939, "Address line 2"), txtAdd2);
-    connect(txtVATNo, &QLineEdit::textChanged, this, &ViewClient::showWarnings);
+    connect(txtVATNo, &QLineEdit::textChanged, this, guarded(this, &ViewClient::showWarnings));
     return page;
 }
 
@@ -219,8 +220,8 @@ QWidget *ViewClient::buildExtras()
     auto *layout = new QVBoxLayout(page);
     layout->addWidget(gdExtra, 1);
     layout->addLayout(buttons);
-    connect(cmdFieldAddButton, &QPushButton::clicked, this, &ViewClient::cmdFieldAdd);
-    connect(cmdFieldDeleteButton, &QPushButton::clicked, this, &ViewClient::cmdFieldDelete);
+    connect(cmdFieldAddButton, &QPushButton::clicked, this, guarded(this, &ViewClient::cmdFieldAdd));
+    connect(cmdFieldDeleteButton, &QPushButton::clicked, this, guarded(this, &ViewClient::cmdFieldDelete));
     return page;
 }
 
@@ -255,12 +256,12 @@ QWidget *ViewClient::buildAccounts()
     layout->addLayout(ledgerHead);
     layout->addWidget(gdClientTran, 1);
 
-    connect(gdAccounts, &QTableView::doubleClicked, this, &ViewClient::openAccount);
-    connect(gdClientTran, &QTableView::doubleClicked, this, &ViewClient::openLedgerRow);
-    connect(cmdAddClientTran, &QPushButton::clicked, this, [this] {
+    connect(gdAccounts, &QTableView::doubleClicked, this, guarded(this, &ViewClient::openAccount));
+    connect(gdClientTran, &QTableView::doubleClicked, this, guarded(this, &ViewClient::openLedgerRow));
+    connect(cmdAddClientTran, &QPushButton::clicked, this, guarded([this] {
         if (!m_editor.isNew() && m_screens.addLedgerEntry(this, m_editor.clientId()))
             refillLedger();
-    });
+    }));
     return page;
 }
 

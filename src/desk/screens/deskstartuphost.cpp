@@ -5,6 +5,11 @@
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
 #include "bookings/screens/viewbooking.h"
+#include "clients/screens/clientdelete.h"
+#include "clients/screens/clienthistorydialog.h"
+#include "clients/screens/clientsearchdialogs.h"
+#include "clients/screens/sourcecodemt.h"
+#include "clients/screens/viewclient.h"
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
@@ -105,6 +110,23 @@ DeskSeams standardSeams()
     };
     seams.checkInOut = [](MainWindow &w, int mode) {
         CheckInOut::initialise(w.session(), mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, w.bookingOpener(), &w);
+    };
+    seams.clientMaintenance = [](MainWindow &w) {
+        ViewClientOpener editor(w.session());
+        ClientMaintenance dialog(w.session().db(), editor, &w);
+        dialog.exec();
+    };
+    seams.clientHistory = [](MainWindow &w) {
+        ClientHistory dialog(w.session(), w.bookingOpener(), &w);
+        dialog.exec();
+    };
+    seams.clientRetire = [](MainWindow &w) {
+        ClientDelete dialog(w.session(), &w);
+        dialog.exec();
+    };
+    seams.replaceSource = [](MainWindow &w) {
+        SourceCodeMT dialog(w.session(), &w);
+        dialog.exec();
     };
     return seams;
 }

@@ -346,7 +346,7 @@ private Q_SLOTS:
         g.update(db());
 
         QList<QPair<qint32, qint32>> opened;
-        ClientHistory dialog(*m_session, [&](QWidget *, qint32 booking, qint32 room) { opened.append({booking, room}); });
+        ClientHistory dialog(*m_session, [&](qint32 booking, qint32 room) { opened.append({booking, room}); });
         QAbstractItemModelTester tester(dialog.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
