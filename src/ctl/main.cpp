@@ -14,7 +14,8 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &clientVerbs(), &bookingVerbs(), &synchVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &clientVerbs(), &bookingVerbs(), &synchVerbs(),
+                              &documentVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
@@ -44,7 +45,8 @@ int main(int argc, char *argv[])
         if (name == QLatin1String(v.name)) {
             try {
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
-                                                QStringLiteral("yes"), QStringLiteral("as-new")}));
+                                                QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
+                                                QStringLiteral("as-new")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {

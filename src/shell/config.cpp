@@ -72,13 +72,14 @@ QString proxy()
 QString invoiceDir(int dbNumber)
 {
     const QString key = dbNumber > 0 ? QStringLiteral("InvoiceDir%1").arg(dbNumber) : QStringLiteral("InvoiceDir");
-    QString dir = readConfig(key, QString());
+    QString dir = readConfig(key, QString()).trimmed();
     if (dir.isEmpty()) {
-        dir = Home::file(dbNumber > 0 ? QStringLiteral("invoices%1").arg(dbNumber) : QStringLiteral("invoices"));
-        QDir().mkpath(dir);
+        // Written relative to the home folder, so a home folder moved elsewhere keeps its invoices.
+        dir = dbNumber > 0 ? QStringLiteral("invoices%1").arg(dbNumber) : QStringLiteral("invoices");
+        QDir(Home::path()).mkpath(dir);
         writeConfig(key, dir);
     }
-    return dir;
+    return QDir(Home::path()).absoluteFilePath(dir);
 }
 
 } // namespace config

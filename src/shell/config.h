@@ -25,8 +25,9 @@ QString server();
 QString proxy();
 // The default server: the reference server on this machine.
 QString defaultServer();
-// Invoice folder of a database: InvoiceDir for 0, InvoiceDir<n> for n; when empty
-// the home folder's "invoices<n>" is made and written back.
+// Invoice folder of a database: InvoiceDir for 0, InvoiceDir<n> for n (a relative
+// path is inside the home folder); when empty the home folder's "invoices<n>" is
+// made and written back as a relative path.
 QString invoiceDir(int dbNumber);
 } // namespace config
 

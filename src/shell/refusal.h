@@ -35,7 +35,8 @@ public:
     const QStringList &args() const { return m_args; }
     UserMessage::Kind kind() const { return m_kind; }
 
-    // The text and title in the current language, arguments filled in.
+    // The text and title in the current language, arguments filled in (a title may
+    // name them too: "Could not create %1").
     QString text() const;
     QString title() const;
     UserMessage toMessage() const;

@@ -16,6 +16,7 @@
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
 #include "rates/roomrates.h"
+#include "reports/screens/printchoose.h"
 #include "shell/messages.h"
 #include "shell/money.h"
 #include "shell/screens/guard.h"
@@ -202,7 +203,8 @@ void ViewBooking::build()
     auto *split = button(QStringLiteral("cmdSplit"), getString(5883, QStringLiteral("Split &Booking")), true);
     bookingButtons->addWidget(split);
     bookingButtons->addWidget(button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), false));
-    bookingButtons->addWidget(button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), false));
+    auto *print = button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), true);
+    bookingButtons->addWidget(print);
     bf->addRow(bookingButtons);
     layout->addWidget(booking);
 
@@ -285,6 +287,7 @@ void ViewBooking::build()
     connect(save, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSave));
     connect(exit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdExit));
     connect(split, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSplit));
+    connect(print, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdPrint));
     connect(changeRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdChangeRooms));
     connect(viewRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRooms));
     connect(calcDeposit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdCalcDeposit));
@@ -754,6 +757,14 @@ void ViewBooking::initialise(Session &session, const RateData &rates, qint32 bbB
     ViewBooking dialog(session, rates, parent);
     if (!dialog.load(bbBookingId, bbRoomId))
         return;
+    dialog.exec();
+}
+
+void ViewBooking::cmdPrint()
+{
+    if (!guard())
+        return;
+    PrintChoose dialog(m_session, m_edit.BBBookingID, m_edit.roomId, this);
     dialog.exec();
 }
 

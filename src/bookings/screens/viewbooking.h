@@ -63,6 +63,8 @@ public:
 public Q_SLOTS:
     bool cmdSave();
     void cmdSplit();
+    // dlgPrintChoose: a letter or the summary of this booking.
+    void cmdPrint();
     void cmdChangeRooms();
     void cmdViewRooms();
     void cmdCalcDeposit();
