@@ -15,7 +15,7 @@ std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
     for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &clientVerbs(), &bookingVerbs(), &synchVerbs(),
-                              &documentVerbs()})
+                              &documentVerbs(), &reportVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }

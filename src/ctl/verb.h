@@ -26,6 +26,7 @@ const std::vector<Verb> &synchVerbs();
 const std::vector<Verb> &bookingVerbs();
 const std::vector<Verb> &clientVerbs();
 const std::vector<Verb> &documentVerbs();
+const std::vector<Verb> &reportVerbs();
 // booking dates|room|split: the editor's save and split (the "booking" verb hands them on).
 int runBookingChange(const CommandLine &args);
 

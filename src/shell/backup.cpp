@@ -39,6 +39,7 @@ bool snapshot(Database &db, const QString &target)
         QFile::remove(temp);
         return false;
     }
+    QFile::setPermissions(temp, QFile::ReadOwner | QFile::WriteOwner);
     QFile::remove(target);
     return QFile::rename(temp, target);
 }

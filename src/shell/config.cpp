@@ -26,6 +26,11 @@ bool writeConfig(const QString &key, const QString &value)
     return IniFile(configPath()).write(Section, key, value);
 }
 
+QString fromHome(const QString &path)
+{
+    return path.isEmpty() ? path : QDir::cleanPath(QDir(Home::path()).absoluteFilePath(path));
+}
+
 namespace config {
 
 namespace {
@@ -39,12 +44,12 @@ QString withSlash(QString dir)
 
 QString templateDir()
 {
-    return withSlash(readConfig(QStringLiteral("TemplateDir"), Home::path()));
+    return withSlash(fromHome(readConfig(QStringLiteral("TemplateDir"), Home::path())));
 }
 
 QString logDir()
 {
-    return readConfig(QStringLiteral("LogDir"), Home::path());
+    return fromHome(readConfig(QStringLiteral("LogDir"), Home::path()));
 }
 
 int logLimit()
@@ -79,7 +84,7 @@ QString invoiceDir(int dbNumber)
         QDir(Home::path()).mkpath(dir);
         writeConfig(key, dir);
     }
-    return QDir(Home::path()).absoluteFilePath(dir);
+    return fromHome(dir);
 }
 
 } // namespace config

@@ -12,6 +12,11 @@ QString configPath();
 QString readConfig(const QString &key, const QString &defaultValue);
 bool writeConfig(const QString &key, const QString &value);
 
+// A path read from vmconfig.ini. The program writes the paths inside the home
+// folder relative to it, so a home folder copied or moved elsewhere keeps
+// working on its own files: a relative path is inside the home folder.
+QString fromHome(const QString &path);
+
 // Keys with a rule beyond a plain default.
 namespace config {
 // Folder of the templates, with a trailing "/" (default: the home folder).

@@ -86,6 +86,11 @@ std::unique_ptr<Database> Database::open(const QString &path)
             throw DatabaseOpenError(path, reason);
     } else if (!info.absoluteDir().exists()) {
         throw DatabaseOpenError(path, QStringLiteral("the folder does not exist"));
+    } else if (!info.exists()) {
+        // Guests' names and payments: the file is its owner's alone from the start.
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner))
+            throw DatabaseOpenError(path, file.errorString());
     }
 
     const QString name = nextConnectionName();

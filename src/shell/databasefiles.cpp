@@ -29,12 +29,12 @@ QString getDBPath(int dbNumber)
     if (dbNumber <= 0) {
         const QString key = QStringLiteral("Database");
         if (readConfig(key, QString()).isEmpty())
-            writeConfig(key, Home::file(defaultDatabaseFileName()));
-        return readConfig(key, QString());
+            writeConfig(key, defaultDatabaseFileName());
+        return fromHome(readConfig(key, QString()));
     }
     const QString entry = entryOf(dbNumber);
     const int close = entry.indexOf(QLatin1Char('}'));
-    return close < 0 ? entry : entry.mid(close + 1);
+    return fromHome(close < 0 ? entry : entry.mid(close + 1));
 }
 
 QString getDBName(int dbNumber)
@@ -63,10 +63,10 @@ QString getBackupDir()
     const QString key = QStringLiteral("BackupDir");
     QString dir = readConfig(key, QString());
     if (dir.isEmpty()) {
-        dir = Home::file(QStringLiteral("vmbackup"));
+        dir = QStringLiteral("vmbackup");
         writeConfig(key, dir);
     }
-    return dir;
+    return fromHome(dir);
 }
 
 } // namespace fenlark

@@ -123,12 +123,18 @@ bool IniFile::write(const QString &section, const QString &key, const QString &v
 
     const QString dir = QFileInfo(m_path).absolutePath();
     QDir().mkpath(dir);
+    const bool isNew = !QFileInfo::exists(m_path);
     QSaveFile out(m_path);
     if (!out.open(QIODevice::WriteOnly))
         return false;
     out.write(lines.join(QLatin1Char('\n')).toUtf8());
     out.write("\n");
-    return out.commit();
+    if (!out.commit())
+        return false;
+    // It holds the paths of the property's data: its owner's alone.
+    if (isNew)
+        QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner);
+    return true;
 }
 
 } // namespace fenlark

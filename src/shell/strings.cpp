@@ -1,7 +1,10 @@
 #include "shell/strings.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 namespace fenlark {
 
@@ -95,6 +98,17 @@ void StringTable::setLanguage(int languageId)
         return;
     m_language = languageId;
     m_texts = load(languageId);
+    // Qt's own texts (Yes, No, Cancel, the calendar popup) and every date and
+    // number it shows follow the language too.
+    QLocale::setDefault(locale());
+    if (QCoreApplication::instance()) {
+        static QTranslator qtTexts;
+        QCoreApplication::removeTranslator(&qtTexts);
+        if (languageId != EnglishLanguage
+            && qtTexts.load(locale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                            QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+            QCoreApplication::installTranslator(&qtTexts);
+    }
 }
 
 QLocale StringTable::locale() const

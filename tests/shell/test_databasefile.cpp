@@ -188,6 +188,17 @@ private:
     }
 
 private Q_SLOTS:
+    void theDatabaseAndItsBackupsAreTheirOwnersAlone()
+    {
+        TestDatabase t;
+        QVERIFY(Backup::backupDatabase(t.db(), 0, QDate(2026, 11, 2)));
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        for (const QString &file : {t.file("test.db"), t.file("vmbackup/veldmoor-1.db"), t.file("vmbackup/2026Nov.db")}) {
+            QVERIFY2(QFileInfo::exists(file), qPrintable(file));
+            QCOMPARE(QFileInfo(file).permissions() & others, QFile::Permissions());
+        }
+    }
+
     void rotationKeepsFourAndOneFilePerMonth()
     {
         TestDatabase t;

@@ -10,6 +10,7 @@
 #include "clients/screens/clientsearchdialogs.h"
 #include "clients/screens/sourcecodemt.h"
 #include "clients/screens/viewclient.h"
+#include "reports/screens/reportlauncher.h"
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
@@ -19,6 +20,7 @@
 #include "synch/synchrun.h"
 
 #include <QApplication>
+#include <QUrl>
 
 namespace fenlark {
 
@@ -127,6 +129,10 @@ DeskSeams standardSeams()
     seams.replaceSource = [](MainWindow &w) {
         SourceCodeMT dialog(w.session(), &w);
         dialog.exec();
+    seams.runReport = [](MainWindow &w, int number) {
+        ReportLauncher launcher(w.session(), &w);
+        launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };
+        launcher.run(number);
     };
     return seams;
 }

@@ -405,6 +405,17 @@ void MainWindow::buildMenus()
                 (m_seams.*seam)(*this);
         }));
     }
+    for (int number = 1; number <= 12; ++number) {
+        connect(menuAction(QStringLiteral("m2xl%1").arg(number)), &QAction::triggered, this, guarded([this, number] {
+            if (m_seams.runReport)
+                m_seams.runReport(*this, number);
+        }));
+    }
+    // The Clients menu's own entry for the Client Report.
+    connect(menuAction(QStringLiteral("m2ClientReport")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.runReport)
+            m_seams.runReport(*this, 4);
+    }));
     connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
     connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, guarded(this, &MainWindow::showAbout));
@@ -485,6 +496,9 @@ void MainWindow::updateCommandStates()
     menuAction(QStringLiteral("m2ClientHistory"))->setEnabled(bool(m_seams.clientHistory));
     menuAction(QStringLiteral("m2ClientRetire"))->setEnabled(bool(m_seams.clientRetire));
     menuAction(QStringLiteral("m2Source"))->setEnabled(bool(m_seams.replaceSource));
+    for (int number = 1; number <= 12; ++number)
+        menuAction(QStringLiteral("m2xl%1").arg(number))->setEnabled(bool(m_seams.runReport));
+    menuAction(QStringLiteral("m2ClientReport"))->setEnabled(bool(m_seams.runReport));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 

@@ -55,6 +55,8 @@ struct DeskSeams {
     std::function<void(MainWindow &)> clientRetire;
     // Tools > Replace Marketing Source: a source renamed on the desk's bookings.
     std::function<void(MainWindow &)> replaceSource;
+    // Report number 1 to 12: its permission, its criteria and the report.
+    std::function<void(MainWindow &, int number)> runReport;
 };
 
 // frmMain: the desk's main window. It owns the session and the rate data and is

@@ -159,6 +159,21 @@ private Q_SLOTS:
         QCOMPARE(opened, QStringList({"browser", "history", "retire", "sources"}));
     }
 
+    void reportEntriesRunTheirReportsAndTheClientsMenuRunsTheClientReport()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        QList<int> run;
+        DeskSeams seams;
+        seams.runReport = [&](MainWindow &, int number) { run << number; };
+        window.setSeams(seams);
+        QVERIFY(window.menuAction("m2xl12")->isEnabled());
+        QVERIFY(window.menuAction("m2ClientReport")->isEnabled());
+        window.menuAction("m2xl7")->trigger();
+        window.menuAction("m2ClientReport")->trigger();
+        QCOMPARE(run, (QList<int>{7, 4}));
+    }
+
     void optionsAreForAdminOnly()
     {
         TestDatabase t;
