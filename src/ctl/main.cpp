@@ -14,8 +14,8 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &maintenanceVerbs(),
-                              &accountsVerbs(), &synchVerbs(), &documentVerbs(), &reportVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &clientVerbs(), &bookingVerbs(),
+                              &maintenanceVerbs(), &accountsVerbs(), &synchVerbs(), &documentVerbs(), &reportVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
@@ -47,7 +47,8 @@ int main(int argc, char *argv[])
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
                                              QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
                                              QStringLiteral("out"), QStringLiteral("clear"), QStringLiteral("beds"),
-                                             QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat")}));
+                                             QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat"),
+                                             QStringLiteral("as-new")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {

@@ -25,6 +25,7 @@ const std::vector<Verb> &recordsVerbs();
 const std::vector<Verb> &synchVerbs();
 const std::vector<Verb> &bookingVerbs();
 const std::vector<Verb> &accountsVerbs();
+const std::vector<Verb> &clientVerbs();
 const std::vector<Verb> &documentVerbs();
 const std::vector<Verb> &reportVerbs();
 const std::vector<Verb> &maintenanceVerbs();

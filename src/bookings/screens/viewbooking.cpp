@@ -16,6 +16,7 @@
 #include "clients/clientrecords.h"
 #include "clients/screens/clientsearchdialogs.h"
 #include "clients/screens/sourcelist.h"
+#include "clients/screens/viewclient.h"
 #include "clients/sources.h"
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
@@ -86,6 +87,11 @@ ViewBooking::ViewBooking(Session &session, const RateData &rates, QWidget *paren
         SourceList dialog(db, typed, parent);
         dialog.exec();
         return dialog.getSource();
+    };
+    choosers.editClient = [&session](QWidget *parent, qint32 clientId) {
+        ViewClient editor(session, {}, parent);
+        editor.initialise(clientId);
+        return editor.ChangesMade() ? editor.NewClientID() : 0;
     };
     choosers.room = [&db](QWidget *parent, qint32 bbBookingId) {
         ViewRooms dialog(db, bbBookingId, parent);
@@ -158,7 +164,8 @@ void ViewBooking::build()
     outMadeBy->setObjectName(QStringLiteral("outMadeBy"));
     auto *madeBy = new QHBoxLayout;
     madeBy->addWidget(outMadeBy, 1);
-    madeBy->addWidget(button(QStringLiteral("cmdMadeBy"), getString(5866, QStringLiteral("View")), false));
+    m_madeByView = button(QStringLiteral("cmdMadeBy"), getString(5866, QStringLiteral("View")), false);
+    madeBy->addWidget(m_madeByView);
     auto *madeByChange = button(QStringLiteral("cmdMadeByChange"), getString(5867, QStringLiteral("Change")), true);
     auto *madeByEmail = button(QStringLiteral("cmdMadeByEmail"), getString(5868, QStringLiteral("E-mail")), true);
     madeBy->addWidget(madeByChange);
@@ -240,7 +247,8 @@ void ViewBooking::build()
     outGuest->setObjectName(QStringLiteral("outGuest"));
     gf->addRow(getString(5887, QStringLiteral("Guest")), outGuest);
     auto *guestButtons = new QHBoxLayout;
-    guestButtons->addWidget(button(QStringLiteral("cmdGuest1"), getString(5866, QStringLiteral("View")), false));
+    m_guest1View = button(QStringLiteral("cmdGuest1"), getString(5866, QStringLiteral("View")), false);
+    guestButtons->addWidget(m_guest1View);
     auto *guest1Change = button(QStringLiteral("cmdGuest1Change"), getString(5867, QStringLiteral("Change")), true);
     auto *guest1Email = button(QStringLiteral("cmdGuest1Email"), getString(5868, QStringLiteral("E-mail")), true);
     guestButtons->addWidget(guest1Change);
@@ -250,7 +258,8 @@ void ViewBooking::build()
     outGuest2->setObjectName(QStringLiteral("outGuest2"));
     gf->addRow(getString(5888, QStringLiteral("Second guest")), outGuest2);
     auto *guest2Buttons = new QHBoxLayout;
-    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2"), getString(5866, QStringLiteral("View")), false));
+    m_guest2View = button(QStringLiteral("cmdGuest2"), getString(5866, QStringLiteral("View")), false);
+    guest2Buttons->addWidget(m_guest2View);
     auto *guest2Change = button(QStringLiteral("cmdGuest2Change"), getString(5867, QStringLiteral("Change")), true);
     m_guest2Del = button(QStringLiteral("cmdGuest2del"), getString(5889, QStringLiteral("Remove")), false);
     m_guest2Email = button(QStringLiteral("cmdGuest2Email"), getString(5868, QStringLiteral("E-mail")), false);
@@ -324,6 +333,9 @@ void ViewBooking::build()
     connect(cancelRoom, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdDeleteRoom));
     connect(viewRates, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRates));
     connect(calcDeposit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdCalcDeposit));
+    connect(m_madeByView, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeBy));
+    connect(m_guest1View, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1));
+    connect(m_guest2View, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2));
     connect(madeByChange, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeByChange));
     connect(guest1Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1Change));
     connect(guest2Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2Change));
@@ -736,6 +748,9 @@ void ViewBooking::showNames()
     outMadeBy->setText(clientNameOf(db, m_edit.MadeBy));
     outGuest->setText(clientNameOf(db, m_edit.BBClientID));
     outGuest2->setText(clientNameOf(db, m_edit.BBClient2ID));
+    m_madeByView->setEnabled(m_edit.MadeBy > 0);
+    m_guest1View->setEnabled(m_edit.BBClientID > 0);
+    m_guest2View->setEnabled(m_edit.BBClient2ID > 0);
     m_guest2Del->setEnabled(m_edit.BBClient2ID != 0);
     m_guest2Email->setEnabled(m_edit.BBClient2ID != 0);
 }
@@ -749,6 +764,35 @@ bool ViewBooking::changeClient(qint32 &slot)
     m_dirty = true;
     showNames();
     return true;
+}
+
+void ViewBooking::viewClient(qint32 &slot)
+{
+    if (slot < 1)
+        return;
+    const qint32 saved = choosers.editClient(this, slot);
+    if (saved < 1)
+        return;
+    if (saved != slot) {
+        slot = saved;
+        m_dirty = true;
+    }
+    showNames();
+}
+
+void ViewBooking::cmdMadeBy()
+{
+    viewClient(m_edit.MadeBy);
+}
+
+void ViewBooking::cmdGuest1()
+{
+    viewClient(m_edit.BBClientID);
+}
+
+void ViewBooking::cmdGuest2()
+{
+    viewClient(m_edit.BBClient2ID);
 }
 
 void ViewBooking::cmdMadeByChange()

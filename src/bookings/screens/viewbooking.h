@@ -48,6 +48,9 @@ public:
         std::function<qint32(QWidget *parent, qint32 bbBookingId, qint32 bbRoomId)> addRoom;
         // The booking's nightly rates (ViewRates); true when they were saved.
         std::function<bool(QWidget *parent, qint32 bbBookingId)> rates;
+        // The client editor (ViewClient) on a client: the key of the client it
+        // saved (another one when the change made a new client), 0 when nothing was saved.
+        std::function<qint32(QWidget *parent, qint32 clientId)> editClient;
     };
     Choosers choosers;
 
@@ -90,6 +93,9 @@ public Q_SLOTS:
     void cmdViewRates();
     void cmdCalcDeposit();
     void cmdExit();
+    void cmdMadeBy();
+    void cmdGuest1();
+    void cmdGuest2();
     void cmdMadeByChange();
     void cmdGuest1Change();
     void cmdGuest2Change();
@@ -137,6 +143,8 @@ private:
     void showNames();
     // Puts a client chosen through the chooser in slot; false when none or the same was chosen.
     bool changeClient(qint32 &slot);
+    // Opens the client editor on the client in slot; a client it made instead takes the slot.
+    void viewClient(qint32 &slot);
     void emailToClipboard(qint32 clientId);
     void cancelled(const Result<CancelOutcome> &outcome);
     void sourceChanged();
@@ -163,6 +171,9 @@ private:
     QLabel *outInvoiceTo = nullptr;
     QLabel *lblDifferentAccount = nullptr;
     QPushButton *m_sources = nullptr;
+    QPushButton *m_madeByView = nullptr;
+    QPushButton *m_guest1View = nullptr;
+    QPushButton *m_guest2View = nullptr;
     QPushButton *m_guest2Del = nullptr;
     QPushButton *m_guest2Email = nullptr;
 };

@@ -11,6 +11,11 @@
 #include "bookings/screens/quickquotedialog.h"
 #include "bookings/screens/roomswap.h"
 #include "bookings/screens/viewbooking.h"
+#include "clients/screens/clientdelete.h"
+#include "clients/screens/clienthistorydialog.h"
+#include "clients/screens/clientsearchdialogs.h"
+#include "clients/screens/sourcecodemt.h"
+#include "clients/screens/viewclient.h"
 #include "reports/screens/reportlauncher.h"
 
 #include "shell/screens/aboutdialog.h"
@@ -124,6 +129,22 @@ DeskSeams standardSeams()
     seams.checkInOut = [](MainWindow &w, int mode) {
         CheckInOut::initialise(w.session(), mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, w.bookingOpener(), &w);
     };
+    seams.clientMaintenance = [](MainWindow &w) {
+        ViewClientOpener editor(w.session());
+        ClientMaintenance dialog(w.session().db(), editor, &w);
+        dialog.exec();
+    };
+    seams.clientHistory = [](MainWindow &w) {
+        ClientHistory dialog(w.session(), w.bookingOpener(), &w);
+        dialog.exec();
+    };
+    seams.clientRetire = [](MainWindow &w) {
+        ClientDelete dialog(w.session(), &w);
+        dialog.exec();
+    };
+    seams.replaceSource = [](MainWindow &w) {
+        SourceCodeMT dialog(w.session(), &w);
+        dialog.exec();
     seams.runReport = [](MainWindow &w, int number) {
         ReportLauncher launcher(w.session(), &w);
         launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };

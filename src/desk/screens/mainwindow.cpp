@@ -411,6 +411,18 @@ void MainWindow::buildMenus()
         if (m_seams.doubleBookings && messages::ask(2299, ask, 2299, ask) && !checkDoubleBookings(false))
             endNicely();
     }));
+    const std::pair<const char *, std::function<void(MainWindow &)> DeskSeams::*> clientScreens[] = {
+        {"m2Client", &DeskSeams::clientMaintenance},
+        {"m2ClientHistory", &DeskSeams::clientHistory},
+        {"m2ClientRetire", &DeskSeams::clientRetire},
+        {"m2Source", &DeskSeams::replaceSource},
+    };
+    for (const auto &[name, seam] : clientScreens) {
+        connect(menuAction(QString::fromLatin1(name)), &QAction::triggered, this, guarded([this, seam = seam] {
+            if (m_seams.*seam)
+                (m_seams.*seam)(*this);
+        }));
+    }
     for (int number = 1; number <= 12; ++number) {
         connect(menuAction(QStringLiteral("m2xl%1").arg(number)), &QAction::triggered, this, guarded([this, number] {
             if (m_seams.runReport)
@@ -507,6 +519,10 @@ void MainWindow::updateCommandStates()
     menuAction(QStringLiteral("m2SynchLD"))->setEnabled(bool(m_seams.synchronise));
     menuAction(QStringLiteral("m2SynchFull"))->setEnabled(bool(m_seams.emergencySynch));
     menuAction(QStringLiteral("m2DoubleBooking"))->setEnabled(bool(m_seams.doubleBookings));
+    menuAction(QStringLiteral("m2Client"))->setEnabled(bool(m_seams.clientMaintenance));
+    menuAction(QStringLiteral("m2ClientHistory"))->setEnabled(bool(m_seams.clientHistory));
+    menuAction(QStringLiteral("m2ClientRetire"))->setEnabled(bool(m_seams.clientRetire));
+    menuAction(QStringLiteral("m2Source"))->setEnabled(bool(m_seams.replaceSource));
     for (int number = 1; number <= 12; ++number)
         menuAction(QStringLiteral("m2xl%1").arg(number))->setEnabled(bool(m_seams.runReport));
     menuAction(QStringLiteral("m2ClientReport"))->setEnabled(bool(m_seams.runReport));

@@ -47,6 +47,14 @@ struct DeskSeams {
     std::function<bool(MainWindow &, bool onStart)> doubleBookings;
     // Today's arrivals (mode 1) or departures.
     std::function<void(MainWindow &, int mode)> checkInOut;
+    // Clients > Client Search: the client browser, from which the client editor opens.
+    std::function<void(MainWindow &)> clientMaintenance;
+    // Clients > Client History: every booking a chosen client had a part in.
+    std::function<void(MainWindow &)> clientHistory;
+    // Clients > Client Retire: one client retired into another.
+    std::function<void(MainWindow &)> clientRetire;
+    // Tools > Replace Marketing Source: a source renamed on the desk's bookings.
+    std::function<void(MainWindow &)> replaceSource;
     // Report number 1 to 12: its permission, its criteria and the report.
     std::function<void(MainWindow &, int number)> runReport;
     // Two rooms staying on a date exchange their guests.

@@ -422,6 +422,39 @@ private Q_SLOTS:
         QVERIFY(editor.isDirty());
     }
 
+    void viewButtonsOpenTheClientEditorAndTakeAClientItMade()
+    {
+        ScreenDesk desk;
+        Database &db = desk.db();
+        const qint32 id = bookRooms(desk, {1});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 1));
+        const qint32 guest = editor.edit().BBClientID;
+        auto *viewGuest2 = editor.findChild<QPushButton *>(QStringLiteral("cmdGuest2"));
+        QVERIFY(editor.findChild<QPushButton *>(QStringLiteral("cmdMadeBy"))->isEnabled());
+        QVERIFY(editor.findChild<QPushButton *>(QStringLiteral("cmdGuest1"))->isEnabled());
+        QVERIFY(!viewGuest2->isEnabled());   // no second guest to show
+
+        QList<qint32> opened;
+        qint32 saved = 0;
+        editor.choosers.editClient = [&](QWidget *, qint32 client) {
+            opened << client;
+            return saved;
+        };
+        editor.cmdGuest1();   // cancelled in the editor
+        QCOMPARE(opened, QList<qint32>{guest});
+        QVERIFY(!editor.isDirty());
+        saved = guest;        // saved in place: the booking keeps its guest
+        editor.cmdMadeBy();
+        QVERIFY(!editor.isDirty());
+        saved = addClient(db, QStringLiteral("Split"));   // saved as a new client
+        editor.cmdGuest1();
+        QCOMPARE(editor.edit().BBClientID, saved);
+        QCOMPARE(labelText(editor, "outGuest"), QStringLiteral("Split"));
+        QVERIFY(editor.isDirty());
+        QCOMPARE(opened.size(), 3);
+    }
+
     void sourceListPicksAndCommissionFollowsTheSource()
     {
         RecordingSink sink;

@@ -141,6 +141,24 @@ private Q_SLOTS:
         QCOMPARE(sink.shownIds(), QList<int>{2286});
     }
 
+    void clientMenusOpenTheirScreens()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        QStringList opened;
+        DeskSeams seams;
+        seams.clientMaintenance = [&](MainWindow &) { opened << "browser"; };
+        seams.clientHistory = [&](MainWindow &) { opened << "history"; };
+        seams.clientRetire = [&](MainWindow &) { opened << "retire"; };
+        seams.replaceSource = [&](MainWindow &) { opened << "sources"; };
+        window.setSeams(seams);
+        for (const char *name : {"m2Client", "m2ClientHistory", "m2ClientRetire", "m2Source"}) {
+            QVERIFY2(window.menuAction(name)->isEnabled(), name);
+            window.menuAction(name)->trigger();
+        }
+        QCOMPARE(opened, QStringList({"browser", "history", "retire", "sources"}));
+    }
+
     void reportEntriesRunTheirReportsAndTheClientsMenuRunsTheClientReport()
     {
         TestDatabase t;
