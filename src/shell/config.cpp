@@ -26,12 +26,12 @@ bool writeConfig(const QString &key, const QString &value)
     return IniFile(configPath()).write(Section, key, value);
 }
 
-namespace config {
-
 QString fromHome(const QString &path)
 {
     return path.isEmpty() ? path : QDir::cleanPath(QDir(Home::path()).absoluteFilePath(path));
 }
+
+namespace config {
 
 namespace {
 QString withSlash(QString dir)
