@@ -46,7 +46,7 @@ int main(int argc, char *argv[])
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
                                              QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms")}));
             } catch (const DatabaseError &e) {
-                return fail(QStringLiteral("database error: ") + e.message());
+                return fail(e.explanation() + QStringLiteral(" (") + e.message() + QStringLiteral(")"));
             } catch (const std::exception &e) {
                 return fail(QString::fromUtf8(e.what()));
             }

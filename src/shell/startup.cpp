@@ -6,7 +6,12 @@
 #include "shell/errorlog.h"
 #include "shell/home.h"
 #include "shell/messages.h"
+#include "shell/restore.h"
 #include "shell/strings.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
 
 namespace fenlark {
 
@@ -20,16 +25,43 @@ int Startup::startingDatabaseNumber()
     return hasMultipleDatabases() ? 1 : 0;
 }
 
-std::unique_ptr<Database> Startup::openConnection(const QString &path)
+std::unique_ptr<Database> Startup::openConnection(const QString &path, int dbNumber)
 {
     try {
         return Database::open(path);
     } catch (const DatabaseOpenError &e) {
-        messages::critical(5020, QStringLiteral("Could not open database (%1)"), 5021, QStringLiteral("Could not open database."),
-                           {path});
         ErrorLog::write(path + QStringLiteral(": ") + e.reason());
-        return nullptr;
+        const Refusal cannotOpen = Refusal(5020, QStringLiteral("Could not open database (%1)"), 5021,
+                                           QStringLiteral("Could not open database."))
+                                       .arg(path)
+                                       .thenText(QStringLiteral("\n\n") + e.explanation());
+        const QString backup = e.backupMayHelp() && dbNumber >= 0 ? newestBackup(dbNumber) : QString();
+        if (backup.isEmpty()) {
+            messages::showMessage(cannotOpen.toMessage());
+            return nullptr;
+        }
+        if (!offerBackup(cannotOpen, backup))
+            return nullptr;
+        const Result<QString> restored = restoreDatabase(path, backup);
+        if (!restored) {
+            messages::showMessage(restored.refusal().toMessage());
+            return nullptr;
+        }
+        return openConnection(path, -1);
     }
+}
+
+bool Startup::offerBackup(const Refusal &cannotOpen, const QString &backup)
+{
+    const QString made = QLocale().toString(QFileInfo(backup).lastModified(), QLocale::ShortFormat);
+    UserMessage question = cannotOpen.toMessage();
+    question.kind = UserMessage::Question;
+    question.id = 5052;
+    question.text += QStringLiteral("\n\n")
+                     + fillArguments(getString(5052, QStringLiteral("Restore the newest backup (%1, made %2)? The damaged file "
+                                                                      "is kept beside it under another name.")),
+                                     {QDir::toNativeSeparators(backup), made});
+    return messages::sink().ask(question);
 }
 
 Startup::Outcome Startup::run()
@@ -54,7 +86,7 @@ Startup::Outcome Startup::run()
 
     // 5-7. Database number, open, backup.
     const int dbNumber = startingDatabaseNumber();
-    auto db = openConnection(getDBPath(dbNumber));
+    auto db = openConnection(getDBPath(dbNumber), dbNumber);
     if (!db) {
         m_host.closeSplash();
         return CannotOpenDatabase;
