@@ -46,6 +46,14 @@ bool CommandLine::has(const QString &name) const
     return false;
 }
 
+QStringList CommandLine::names() const
+{
+    QStringList list;
+    for (const auto &o : m_options)
+        list << o.first;
+    return list;
+}
+
 int CommandLine::number(const QString &name, bool *ok, int defaultValue) const
 {
     if (!has(name)) {

@@ -15,6 +15,8 @@ public:
     QString option(const QString &name, const QString &defaultValue = {}) const;
     QStringList options(const QString &name) const;
     bool has(const QString &name) const;
+    // The names of the options given, in order (a repeated one more than once).
+    QStringList names() const;
     const QStringList &positional() const { return m_positional; }
     // An option as a whole number; ok is false (and the result 0) when it is not one.
     int number(const QString &name, bool *ok, int defaultValue = 0) const;

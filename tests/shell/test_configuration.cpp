@@ -88,9 +88,33 @@ private Q_SLOTS:
     void singleDatabaseDefaultIsWrittenBack()
     {
         QCOMPARE(getDBPath(0), m_home.filePath("Veldmoor.db"));
-        QVERIFY(configText().contains("Database=" + m_home.filePath("Veldmoor.db")));
+        QVERIFY(configText().contains("Database=Veldmoor.db\n"));
         writeConfig("Database", "/data/other.db");
         QCOMPARE(getDBPath(0), QString("/data/other.db"));
+    }
+
+    // A home folder copied elsewhere works on its own files, not the old ones.
+    void pathsInsideTheHomeFollowItWhenItMoves()
+    {
+        getDBPath(0);
+        getBackupDir();
+        config::invoiceDir(0);
+        writeConfig("Database1", "{Beach}beach/b.db");
+        QTemporaryDir moved;
+        QVERIFY(QFile::copy(configPath(), moved.filePath("vmconfig.ini")));
+        Home::setPath(moved.path());
+        QCOMPARE(getDBPath(0), moved.filePath("Veldmoor.db"));
+        QCOMPARE(getBackupDir(), moved.filePath("vmbackup"));
+        QCOMPARE(config::invoiceDir(0), moved.filePath("invoices"));
+        QCOMPARE(getDBPath(1), moved.filePath("beach/b.db"));
+        Home::setPath(m_home.path());
+    }
+
+    void theConfigurationIsItsOwnersAlone()
+    {
+        writeConfig("Server", "example.org");
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        QCOMPARE(QFileInfo(configPath()).permissions() & others, QFile::Permissions());
     }
 
     void multipleDatabasesAreReadByPosition()
@@ -124,7 +148,7 @@ private Q_SLOTS:
     void backupAndInvoiceFoldersDefaultIntoTheHome()
     {
         QCOMPARE(getBackupDir(), m_home.filePath("vmbackup"));
-        QCOMPARE(readConfig("BackupDir", ""), m_home.filePath("vmbackup"));
+        QCOMPARE(readConfig("BackupDir", ""), QString("vmbackup"));
         QCOMPARE(config::invoiceDir(3), m_home.filePath("invoices3"));
         QVERIFY(QDir(m_home.filePath("invoices3")).exists());
         QCOMPARE(readConfig("InvoiceDir3", ""), QString("invoices3"));

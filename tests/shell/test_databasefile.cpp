@@ -100,7 +100,9 @@ private Q_SLOTS:
             QSqlDatabase raw = QSqlDatabase::addDatabase("QSQLITE", "older");
             raw.setDatabaseName(path);
             raw.open();
-            for (const char *sql : {"drop trigger client_fold_insert", "drop trigger client_fold_update",
+            // Everything after version 3 goes.
+            for (const char *sql : {"drop index client_companyfold", "drop index guest_client2",
+                                    "drop trigger client_fold_insert", "drop trigger client_fold_update",
                                     "drop trigger client_fold_delete", "drop table clientfold",
                                     "create index client_surname on client (Surname collate nocase, Active)",
                                     "create index client_firstname on client (FirstName collate nocase, Active)",
@@ -186,6 +188,17 @@ private:
     }
 
 private Q_SLOTS:
+    void theDatabaseAndItsBackupsAreTheirOwnersAlone()
+    {
+        TestDatabase t;
+        QVERIFY(Backup::backupDatabase(t.db(), 0, QDate(2026, 11, 2)));
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        for (const QString &file : {t.file("test.db"), t.file("vmbackup/veldmoor-1.db"), t.file("vmbackup/2026Nov.db")}) {
+            QVERIFY2(QFileInfo::exists(file), qPrintable(file));
+            QCOMPARE(QFileInfo(file).permissions() & others, QFile::Permissions());
+        }
+    }
+
     void rotationKeepsFourAndOneFilePerMonth()
     {
         TestDatabase t;

@@ -1,0 +1,170 @@
+// fenlarkctl report, run as a script runs it: a separate process on a database
+// file, JSON on stdout, a refusal on stderr with a non-zero exit and no file.
+#include "reportfixture.h"
+#include "shell/preferences.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QtTest>
+
+using namespace fenlark;
+
+namespace {
+
+struct Run {
+    int exitCode = -1;
+    QJsonObject json;
+    QString errors;
+};
+
+} // namespace
+
+class TestReportVerb : public QObject {
+    Q_OBJECT
+
+private:
+    QString m_ctl;
+    std::unique_ptr<TestDatabase> m_t;
+
+    Run ctl(QStringList arguments)
+    {
+        arguments << QStringLiteral("--home") << m_t->home() << QStringLiteral("--db") << m_t->db().path();
+        QProcess process;
+        process.start(m_ctl, arguments);
+        process.waitForFinished(60000);
+        Run run;
+        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        run.json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+        run.errors = QString::fromUtf8(process.readAllStandardError()).trimmed();
+        return run;
+    }
+
+    QString out(const QString &name) const { return m_t->file(name); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_ctl = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../fenlarkctl"));
+        if (!QFileInfo(m_ctl).isExecutable())
+            QSKIP("fenlarkctl is not built");
+    }
+
+    void init()
+    {
+        m_t = std::make_unique<TestDatabase>();
+        reportfixture::seed(m_t->db());
+    }
+
+    void reportGoesToTheFileAndSaysWhatItWrote()
+    {
+        const Run run = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
+                             QStringLiteral("2026-03-01"), QStringLiteral("--to"), QStringLiteral("2026-03-31"),
+                             QStringLiteral("--out"), out(QStringLiteral("payments.tsv"))});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.json.value("report").toInt(), 11);
+        QCOMPARE(run.json.value("name").toString(), QStringLiteral("Payments Report"));
+        QCOMPARE(run.json.value("rows").toInt(), 4);
+        QCOMPARE(run.json.value("file").toString(), out(QStringLiteral("payments.tsv")));
+        QFile file(out(QStringLiteral("payments.tsv")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+        QCOMPARE(lines.first(), QStringLiteral("Payments Report between 01/03/2026 and 31/03/2026"));
+        QCOMPARE(lines.at(lines.size() - 2), QStringLiteral("\t\t\t2200.00"));
+
+        const Run workbook = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
+                                  QStringLiteral("2026-03-01"), QStringLiteral("--to"), QStringLiteral("2026-03-31"),
+                                  QStringLiteral("--out"), out(QStringLiteral("payments.XLSX"))});
+        QCOMPARE(workbook.exitCode, 0);
+        QFile xlsx(out(QStringLiteral("payments.XLSX")));
+        QVERIFY(xlsx.open(QIODevice::ReadOnly));
+        QCOMPARE(xlsx.read(2), QByteArray("PK"));
+    }
+
+    void calendarPrintoutTakesAndRemembersItsOrientation()
+    {
+        const Run run = ctl({QStringLiteral("report"), QStringLiteral("1"), QStringLiteral("--orientation"),
+                             QStringLiteral("l"), QStringLiteral("--from"), QStringLiteral("2026-03-09"),
+                             QStringLiteral("--out"), out(QStringLiteral("calendar.tsv"))});
+        QCOMPARE(run.exitCode, 0);
+        // A fortnight from the given day, the landscape default for To.
+        QCOMPARE(run.json.value("title").toString(), QStringLiteral("Calendar Printout for  09/03/2026 to 22/03/2026"));
+        QCOMPARE(run.json.value("rows").toInt(), 3);   // a row per room
+        QCOMPARE(getPreference(m_t->db(), QStringLiteral("REPORT1")), QStringLiteral("L"));
+    }
+
+    void refusalsSayWhyAndWriteNothing_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no such report") << QStringList{QStringLiteral("13")} << "usage: report N";
+        QTest::newRow("not a number") << QStringList{QStringLiteral("two")} << "usage: report N";
+        QTest::newRow("dates for the client report")
+            << QStringList{QStringLiteral("4"), QStringLiteral("--from"), QStringLiteral("2026-03-01")}
+            << "report 4 (Client Report) does not take --from";
+        QTest::newRow("a To for In-House")
+            << QStringList{QStringLiteral("6"), QStringLiteral("--to"), QStringLiteral("2026-03-01")}
+            << "does not take --to";
+        QTest::newRow("an orientation for the summary")
+            << QStringList{QStringLiteral("2"), QStringLiteral("--orientation"), QStringLiteral("L")}
+            << "does not take --orientation";
+        QTest::newRow("a client type for the audit")
+            << QStringList{QStringLiteral("12"), QStringLiteral("--client-type"), QStringLiteral("I")}
+            << "does not take --client-type";
+        QTest::newRow("From after To")
+            << QStringList{QStringLiteral("2"), QStringLiteral("--from"), QStringLiteral("2026-03-02"),
+                           QStringLiteral("--to"), QStringLiteral("2026-03-01")}
+            << "From date cannot be later than To date.";
+        QTest::newRow("a date that is none")
+            << QStringList{QStringLiteral("2"), QStringLiteral("--from"), QStringLiteral("2026-02-30")}
+            << "--from must be a date YYYY-MM-DD";
+        QTest::newRow("an unknown client type")
+            << QStringList{QStringLiteral("4"), QStringLiteral("--client-type"), QStringLiteral("X")}
+            << "X is not a client type.";
+        QTest::newRow("a field without a value")
+            << QStringList{QStringLiteral("4"), QStringLiteral("--field-type"), QStringLiteral("N")}
+            << "--field-type and --field-value go together";
+        QTest::newRow("an amount that is none")
+            << QStringList{QStringLiteral("9"), QStringLiteral("--amount"), QStringLiteral("12,5x")}
+            << "--amount must be a number";
+        QTest::newRow("an orientation that is none")
+            << QStringList{QStringLiteral("1"), QStringLiteral("--orientation"), QStringLiteral("sideways")}
+            << "The orientation is P (portrait) or L (landscape).";
+    }
+
+    void refusalsSayWhyAndWriteNothing()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        const Run run = ctl(QStringList{QStringLiteral("report")} + arguments +
+                            QStringList{QStringLiteral("--out"), out(QStringLiteral("refused.tsv"))});
+        QVERIFY(run.exitCode != 0);
+        QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
+        QVERIFY(run.json.isEmpty());
+        QVERIFY(!QFileInfo::exists(out(QStringLiteral("refused.tsv"))));
+        QCOMPARE(getPreference(m_t->db(), QStringLiteral("REPORT1")), QString());
+    }
+
+    void outputMustBeAWorkbookOrText()
+    {
+        for (const QString &name : {QStringLiteral("report.csv"), QString()}) {
+            QStringList arguments{QStringLiteral("report"), QStringLiteral("2")};
+            if (!name.isEmpty())
+                arguments << QStringLiteral("--out") << out(name);
+            const Run run = ctl(arguments);
+            QVERIFY(run.exitCode != 0);
+            QVERIFY2(run.errors.contains(QStringLiteral("--out must name a .xlsx or .tsv file")), qPrintable(run.errors));
+        }
+    }
+
+    void aFileThatCannotBeWrittenIsRefused()
+    {
+        const Run run = ctl({QStringLiteral("report"), QStringLiteral("2"), QStringLiteral("--out"),
+                             out(QStringLiteral("test.db/summary.xlsx"))});
+        QVERIFY(run.exitCode != 0);
+        QVERIFY2(run.errors.contains(QStringLiteral("The report could not be written to")), qPrintable(run.errors));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestReportVerb)
+#include "test_reportverb.moc"
