@@ -111,8 +111,9 @@ int runMarkAll(const CommandLine &args)
     return 0;
 }
 
-// Puts a backup in place of the database; the file that was there is kept aside.
-int runRestore(const CommandLine &args)
+} // namespace
+
+int runDatabaseRestore(const CommandLine &args)
 {
     const QString backup = args.option(QStringLiteral("from"));
     if (backup.isEmpty())
@@ -124,6 +125,8 @@ int runRestore(const CommandLine &args)
     printJson(QJsonObject{{"database", path}, {"restoredFrom", backup}, {"keptAs", restored.value()}});
     return 0;
 }
+
+namespace {
 
 // SQLite's check of the whole file: exit 0 when sound.
 int runCheck(const CommandLine &args)
@@ -145,8 +148,6 @@ const std::vector<Verb> &shellVerbs()
         {"demo", "demo [--db PATH]                      the demo property in an empty database", runDemo},
         {"generate", "generate [--db PATH] --rooms N --years Y --seed S   a generated property", runGenerate},
         {"backup", "backup [--db PATH] [--number N]       the rotating backup of the database", runBackup},
-        {"restore", "restore [--db PATH] --from BACKUP     the backup in place of the database, the old file kept aside",
-         runRestore},
         {"check", "check [--db PATH]                     SQLite's check of the whole database file", runCheck},
         {"log", "log [--db PATH]                       the change log (dblog) as JSON", runLog},
         {"mark-all", "mark-all [--db PATH]                  log every shared row for sending again", runMarkAll},
