@@ -5,6 +5,7 @@
 #include "shell/databasefiles.h"
 #include "shell/errorlog.h"
 #include "shell/home.h"
+#include "shell/inifile.h"
 #include "shell/messages.h"
 #include "shell/restore.h"
 #include "shell/strings.h"
@@ -70,9 +71,21 @@ Startup::Outcome Startup::run()
     m_instanceLock = std::make_unique<QLockFile>(Home::file(QStringLiteral("fenlark.lock")));
     m_instanceLock->setStaleLockTime(0);
     if (!m_instanceLock->tryLock(0)) {
+        // A folder that cannot be written is no second desk: say what it is.
+        if (m_instanceLock->error() != QLockFile::LockFailedError) {
+            messages::critical(5056,
+                               QStringLiteral("Fenlark cannot write in its folder %1. Check that the folder exists and that "
+                                              "you may write in it."),
+                               5057, QStringLiteral("Folder not writable"), {QDir::toNativeSeparators(Home::path())});
+            return HomeNotWritable;
+        }
         messages::critical(2219, QStringLiteral("The veldmoor program is already running. Use that one instead."), 2220, QStringLiteral("veldmoor application already open"));
         return AlreadyRunning;
     }
+
+    // A line of vmconfig.ini that is no setting is passed over; the log says which.
+    for (const QString &line : IniFile(configPath()).damagedLines())
+        ErrorLog::write(QStringLiteral("vmconfig.ini, skipped ") + line);
 
     // 2. Language: ask on "0", otherwise set it without a dialog.
     const QString language = readConfig(QStringLiteral("Language"), QStringLiteral("0"));
@@ -90,6 +103,13 @@ Startup::Outcome Startup::run()
     if (!db) {
         m_host.closeSplash();
         return CannotOpenDatabase;
+    }
+    // SQLite cannot make its locks safe on a network file system: say so once.
+    if (!db->networkFileSystem().isEmpty()) {
+        messages::warning(5054,
+                          QStringLiteral("%1 lies on a network drive (%2). SQLite cannot keep a database safe there when two "
+                                         "desks use it: open it from one desk at a time, or move it to this computer."),
+                          5055, QStringLiteral("Database on a network drive"), {db->path(), db->networkFileSystem()});
     }
     m_session = std::make_unique<Session>(std::move(db), dbNumber);
     m_session->setMultipleDatabases(dbNumber > 0);

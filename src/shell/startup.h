@@ -42,6 +42,7 @@ public:
     enum Outcome {
         Running,
         AlreadyRunning,
+        HomeNotWritable,
         CannotOpenDatabase,
         LoginCancelled,
         NoRooms,

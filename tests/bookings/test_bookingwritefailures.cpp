@@ -1,5 +1,6 @@
 #include "bookings/bookingsave.h"
 #include "bookings/cancellation.h"
+#include "bookings/newbooking.h"
 #include "bookings/roommoves.h"
 #include "clients/clientretirement.h"
 #include "rates/ratedata.h"
@@ -35,6 +36,19 @@ class StayYes : public StayQuestions {
 public:
     bool acceptOverLimit(const QString &, int, int, int, int) override { return true; }
     bool acceptPastStart(const QDate &) override { return true; }
+};
+
+// A second desk on the same file that books a room while this desk's question
+// waits for an answer, then says Yes.
+class AnotherDeskMeanwhile : public StayQuestions {
+public:
+    std::function<void()> meanwhile;
+    bool acceptOverLimit(const QString &, int, int, int, int) override { return true; }
+    bool acceptPastStart(const QDate &) override
+    {
+        meanwhile();
+        return true;
+    }
 };
 
 } // namespace
@@ -120,6 +134,55 @@ private Q_SLOTS:
             request.adults = 2;
             (void)RoomAdder(db(), m_rates, m_user).add(request, yes);
         }, 1);
+    }
+
+    // A booking's rooms are checked before its questions; while a question
+    // waits another desk may book one. The save then refuses and writes nothing.
+    void aRoomBookedByAnotherDeskDuringTheQuestionIsRefused()
+    {
+        const QDate past(2020, 3, 1);
+        AnotherDeskMeanwhile questions;
+        questions.meanwhile = [&] {
+            auto other = Database::open(db().path());
+            addBooking(*other, m_other, {2}, past.addDays(1), 1, 50);
+        };
+        NewBookingRequest request;
+        request.FromDate = past;
+        request.ToDate = past.addDays(3);
+        request.BBClientID = m_client;
+        request.rooms.push_back({2, 0, 2, 0, 0});
+        const int bookings = db().scalar("select count(*) from booking").toInt();
+        const auto saved = BookingWriter(db(), m_rates, m_setup, m_user).save(request, questions);
+        QVERIFY(!saved);
+        QCOMPARE(saved.refusal().id(), 5836);
+        // Only the other desk's booking was added.
+        QCOMPARE(db().scalar("select count(*) from booking").toInt(), bookings + 1);
+        QCOMPARE(db().scalar("select count(*) from guest where BBRoomID = 2 and BBClientID = ?", {m_client}).toInt(), 1);
+    }
+
+    void anEditOverlappingWhatAnotherDeskBookedMeanwhileIsRefused()
+    {
+        class Meanwhile : public Agreeable {
+        public:
+            std::function<void()> meanwhile;
+            bool changeAllLegs() override
+            {
+                meanwhile();
+                return true;
+            }
+        } questions;
+        questions.meanwhile = [&] {
+            auto other = Database::open(db().path());
+            addBooking(*other, m_other, {1}, Arrival.addDays(20), 2, 50);
+        };
+        auto edit = loadBookingEdit(db(), m_twoRooms.booking, 1);
+        edit->fromDate = Arrival.addDays(19);
+        edit->toDate = Arrival.addDays(22);
+        const auto saved = BookingSave(db(), m_rates, m_setup, m_user, questions).save(*edit);
+        QVERIFY(!saved);
+        QCOMPARE(saved.refusal().id(), 5815);
+        QCOMPARE(db().scalar("select min(CalDate) from dailyrate where BBBookingID = ?", {m_twoRooms.booking}).toString(),
+                 Arrival.toString(Qt::ISODate));
     }
 
     void retiringAClient()

@@ -249,6 +249,16 @@ private Q_SLOTS:
         QCOMPARE(desk->scalar("select count(*) from preference").toInt(), 3);
     }
 
+    // A file on this machine's own disk is no network file: no warning at start-up.
+    void aLocalFileIsNotTakenForANetworkOne()
+    {
+        QVERIFY(networkFileSystemOf(path("Veldmoor.db")).isEmpty());
+        QCOMPARE(networkFileSystemName(0x6969), QString("nfs"));
+        QCOMPARE(networkFileSystemName(0xFF534D42), QString("cifs"));
+        QVERIFY(networkFileSystemName(0xEF53).isEmpty());   // ext4
+        QVERIFY(networkFileSystemName(0x01021994).isEmpty());   // tmpfs
+    }
+
     void restoringABackupKeepsTheDamagedFileAside()
     {
         const QString file = path("Veldmoor.db");
@@ -307,6 +317,19 @@ private Q_SLOTS:
             QVERIFY(kept.isEmpty());
             QCOMPARE(readFile(file), damaged);
         }
+    }
+
+    // A home folder that cannot be written (here: one that cannot exist, under
+    // a file) is reported as such, not as a second desk.
+    void aHomeFolderThatCannotBeWrittenIsSaidSo()
+    {
+        writeFile(path("a-file"), "x");
+        Home::setPath(path("a-file/home"));
+        RecordingSink sink;
+        QuietHost host;
+        Startup startup(host);
+        QCOMPARE(startup.run(), Startup::HomeNotWritable);
+        QCOMPARE(sink.shownIds(), QList<int>{5056});
     }
 
     void startUpWithoutABackupSaysWhyItCannotOpen()
