@@ -90,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(host.calls, QStringList({"language", "splash", "close splash", "login", "setup", "close splash", "user",
                                           "initialise", "doubles", "main"}));
         QCOMPARE(readConfig("Language", ""), QString("1033"));
-        // Written relative to the home folder, so a copied home keeps its own file.
+        // Named in the home folder, so the folder can move with its configuration.
         QCOMPARE(readConfig("Database", ""), QString("Veldmoor.db"));
         QCOMPARE(getDBPath(0), m_home->filePath("Veldmoor.db"));
         QVERIFY(QFile::exists(m_home->filePath("Veldmoor.db")));
