@@ -53,7 +53,12 @@ private Q_SLOTS:
         child.start(QCoreApplication::applicationFilePath(), {"writeUntilKilled"});
         QVERIFY(child.waitForStarted());
         QVERIFY2(child.waitForReadyRead(60000), child.readAllStandardError().constData());
-        QTest::qWait(afterMs + 300);
+        // Killed only once it has committed something, however slow the machine.
+        {
+            auto watcher = fenlark::Database::open(path);
+            QTRY_VERIFY_WITH_TIMEOUT(watcher->scalar("select count(*) from booking").toInt() > bookingsBefore, 60000);
+        }
+        QTest::qWait(afterMs);
         child.kill();
         QVERIFY(child.waitForFinished());
         auto db = fenlark::Database::open(path);
