@@ -27,24 +27,31 @@ Refusal accountClosed()
 
 } // namespace
 
-std::optional<qint32> getDocumentNumber(Database &db, const QString &tranType, FirstNumberPrompter &prompter)
+std::optional<qint32> askFirstDocumentNumber(Database &db, const QString &tranType, FirstNumberPrompter &prompter)
 {
-    const qint32 next = getNextNumber(db, tranType);
-    if (next >= 2)
-        return next;
+    if (peekNextNumber(db, tranType) >= 2)
+        return 0;
     for (;;) {
         const auto answer = prompter.askFirstNumber(
             getString(6681, QStringLiteral("What number would you like to start your invoices from?")),
             getString(6682, QStringLiteral("First invoice number?")));
-        if (!answer || answer->trimmed().isEmpty())
+        if (!answer || answer->trimmed().isEmpty()) {
+            setLastNumber(db, tranType, 1);
             return std::nullopt;
-        if (const auto number = parsePositiveWholeNumber(*answer)) {
-            setLastNumber(db, tranType, *number);
-            return *number;
         }
+        if (const auto number = parsePositiveWholeNumber(*answer))
+            return *number;
         prompter.refuseFirstNumber(Refusal(6683, QStringLiteral("This does not look like a valid number greater than 0"), 6684,
                                            QStringLiteral("Invalid invoice number")));
     }
+}
+
+qint32 takeDocumentNumber(Database &db, const QString &tranType, qint32 firstNumber)
+{
+    if (firstNumber < 1)
+        return getNextNumber(db, tranType);
+    setLastNumber(db, tranType, firstNumber);
+    return firstNumber;
 }
 
 double getBookingTotal(Database &db, qint32 bookingId)
@@ -117,8 +124,8 @@ Result<std::optional<InvoiceMade>> makeInvoice(Database &db, qint32 accountId, c
     if (Account::getItemCount(db, accountId) == 0)
         return cannotInvoice(6676, QStringLiteral("There is nothing on this account to invoice."));
 
-    const auto number = getDocumentNumber(db, trantype::Invoice, prompter);
-    if (!number)
+    const auto first = askFirstDocumentNumber(db, trantype::Invoice, prompter);
+    if (!first)
         return std::optional<InvoiceMade>();
 
     Transaction transaction(db);
@@ -131,7 +138,7 @@ Result<std::optional<InvoiceMade>> makeInvoice(Database &db, qint32 accountId, c
 
     InvoiceMade made;
     Invoice &invoice = made.invoice;
-    invoice.InvoiceNo = *number;
+    invoice.InvoiceNo = takeDocumentNumber(db, trantype::Invoice, *first);
     invoice.BBClientID = account.InvoiceTo;
     invoice.CreateDate = QDateTime::currentDateTime();
     invoice.CreateUser = user.UserName;
@@ -176,16 +183,16 @@ Result<std::optional<ProformaMade>> makeProforma(Database &db, qint32 accountId,
         if (account.Status != accountstatus::Open)
             return Refusal(6685, QStringLiteral("This account is closed. Re-open the account before generating a pro forma."), 6675,
                            QStringLiteral("Cannot generate invoice"));
-        const auto number = getDocumentNumber(db, trantype::Proforma, prompter);
-        if (!number)
+        const auto first = askFirstDocumentNumber(db, trantype::Proforma, prompter);
+        if (!first)
             return std::optional<ProformaMade>();
         Transaction transaction(db);
         if (!account.fetch(db, accountId))
             return refusals::missingAccount(accountId);
-        account.ProformaNo = *number;
+        account.ProformaNo = takeDocumentNumber(db, trantype::Proforma, *first);
         account.update(db);
         transaction.commit();
-        made.number = *number;
+        made.number = account.ProformaNo;
     }
     made.draft = draftInvoice(db, accountId, vat);
     return std::optional<ProformaMade>(std::move(made));

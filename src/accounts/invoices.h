@@ -26,13 +26,17 @@ public:
     virtual void refuseFirstNumber(const Refusal &why) = 0;
 };
 
-// The number of the next invoice ("INV") or pro forma ("PRO"). The first of a
-// series is asked for ("What number would you like to start your invoices
-// from?") until a whole number of at least 1 is given; that number is written
-// as the series' last number and is the result. Nothing when the question was
-// cancelled: the counter then stays spent at 1, so the next try takes 2
-// without asking. Runs outside any transaction: the question waits for a person.
-std::optional<qint32> getDocumentNumber(Database &db, const QString &tranType, FirstNumberPrompter &prompter);
+// The first number of an invoice ("INV") or pro forma ("PRO") series, asked for
+// ("What number would you like to start your invoices from?") until a whole
+// number of at least 1 is given, when the series has none yet; 0 when it has
+// one and nothing needed asking. Nothing when the question was cancelled: the
+// counter then stays spent at 1, so the next try takes 2 without asking. Runs
+// outside any transaction: the question waits for a person.
+std::optional<qint32> askFirstDocumentNumber(Database &db, const QString &tranType, FirstNumberPrompter &prompter);
+// The document's number, taken inside the transaction that writes the document
+// so that a document that fails spends none: the first number given, else the
+// series' next one. Written as the series' last number.
+qint32 takeDocumentNumber(Database &db, const QString &tranType, qint32 firstNumber);
 
 // The accommodation of a booking: every night of every room.
 double getBookingTotal(Database &db, qint32 bookingId);

@@ -21,11 +21,16 @@ qint32 lastNumber(Database &db, const QString &tranType)
     return db.scalar(QStringLiteral("select lastNumber from trantype where trantype = ?"), {tranType}).toInt();
 }
 
+qint32 peekNextNumber(Database &db, const QString &tranType)
+{
+    const QVariant last = db.scalar(QStringLiteral("select lastNumber from trantype where trantype = ?"), {tranType});
+    return (last.isValid() ? last.toInt() : getMaxTranNo(db, tranType)) + 1;
+}
+
 qint32 getNextNumber(Database &db, const QString &tranType)
 {
     Transaction transaction(db);
-    const QVariant last = db.scalar(QStringLiteral("select lastNumber from trantype where trantype = ?"), {tranType});
-    const qint32 next = (last.isValid() ? last.toInt() : getMaxTranNo(db, tranType)) + 1;
+    const qint32 next = peekNextNumber(db, tranType);
     setLastNumber(db, tranType, next);
     transaction.commit();
     return next;

@@ -30,6 +30,8 @@ qint32 getMaxTranNo(Database &db, const QString &tranType);
 // starts after the highest number of that type in the ledger. Not logged: the
 // numbers travel to the server in the ledger rows themselves.
 qint32 getNextNumber(Database &db, const QString &tranType);
+// The number getNextNumber() would hand out, without spending it.
+qint32 peekNextNumber(Database &db, const QString &tranType);
 // Sets the last number of the series (the first document of a kind), adding its row if needed.
 void setLastNumber(Database &db, const QString &tranType, qint32 number);
 // The last number spent in the series; 0 when the series has no row.

@@ -245,6 +245,14 @@ Result<SaveOutcome> BookingSave::save(BookingEdit &edit)
     SaveOutcome outcome;
     {
         Transaction transaction(m_db);
+        // Checked again under the write lock: another desk may have booked the
+        // rooms while the questions waited.
+        if (datesChanged)
+            if (Outcome dates = checkDates(edit); !dates)
+                return dates.refusal();
+        if (roomChanged)
+            if (Outcome room = checkRoom(edit); !room)
+                return room.refusal();
         if (Outcome saved = saveBooking(edit, linked, reprice); !saved)
             return saved.refusal();
         SecurityAudit audit;

@@ -119,6 +119,13 @@ Outcome BookingWriter::validate(const NewBookingRequest &request) const
             return Refusal(5979, QStringLiteral("The number of people in %1 cannot be negative."), 5980,
                            QStringLiteral("Incorrect number of people"))
                 .arg(roomName(m_rates, room.BBRoomID));
+    }
+    return roomsFree(request);
+}
+
+Outcome BookingWriter::roomsFree(const NewBookingRequest &request) const
+{
+    for (const NewBookingRoom &room : request.rooms) {
         if (!clashingBookings(m_db, room.BBRoomID, request.FromDate, request.ToDate).empty())
             return Refusal(5836, QStringLiteral("%1 has been taken for those dates since it was chosen. Pick the rooms again."),
                            5837, QStringLiteral("Room no longer free"))
@@ -140,6 +147,10 @@ Result<NewBookingResult> BookingWriter::save(const NewBookingRequest &request, S
     NewBookingResult result;
     Client client;
     Transaction transaction(m_db);
+    // Another desk may have taken a room while the questions waited; under the
+    // write lock the answer holds until the commit.
+    if (Outcome free = roomsFree(request); !free)
+        return free.refusal();
 
     Booking head;
     head.BookingID = 0;

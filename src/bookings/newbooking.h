@@ -100,6 +100,7 @@ public:
 
 private:
     Outcome validate(const NewBookingRequest &request) const;
+    Outcome roomsFree(const NewBookingRequest &request) const;
 
     Database &m_db;
     const RateData &m_rates;

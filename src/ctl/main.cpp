@@ -50,7 +50,7 @@ int main(int argc, char *argv[])
                                              QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat"),
                                              QStringLiteral("as-new")}));
             } catch (const DatabaseError &e) {
-                return fail(QStringLiteral("database error: ") + e.message());
+                return fail(e.explanation() + QStringLiteral(" (") + e.message() + QStringLiteral(")"));
             } catch (const std::exception &e) {
                 return fail(QString::fromUtf8(e.what()));
             }

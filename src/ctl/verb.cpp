@@ -22,7 +22,7 @@ std::unique_ptr<Database> openDatabase(const CommandLine &args)
     try {
         return Database::open(path);
     } catch (const DatabaseOpenError &e) {
-        std::fprintf(stderr, "Could not open database (%s): %s\n", qUtf8Printable(path), qUtf8Printable(e.reason()));
+        std::fprintf(stderr, "fenlarkctl: %s\n", qUtf8Printable(e.explanation()));
         return nullptr;
     }
 }

@@ -35,6 +35,10 @@ int runBookingChange(const CommandLine &args);
 bool isBookingMaintenance(const QString &word);
 int runBookingMaintenance(const CommandLine &args);
 
+// restore --from BACKUP: the backup in place of the database, the file that was
+// there kept aside (the "restore" verb hands it on).
+int runDatabaseRestore(const CommandLine &args);
+
 // The database named by --db, else the configured database of the home folder.
 // Prints the reason and returns null when it cannot be opened.
 std::unique_ptr<Database> openDatabase(const CommandLine &args);

@@ -354,6 +354,8 @@ int runCancellations(const CommandLine &args)
 // restore GUEST: a cancelled room comes back; exit 3 when that sold its room twice.
 int runRestore(const CommandLine &args)
 {
+    if (!args.option(QStringLiteral("from")).isEmpty())
+        return runDatabaseRestore(args);
     const QStringList words = args.positional();
     if (words.size() != 1)
         return fail(QStringLiteral("usage: restore [--db PATH] GUEST"));
@@ -546,7 +548,8 @@ const std::vector<Verb> &maintenanceVerbs()
         {"swap", "swap [--db PATH] GUEST_A GUEST_B   two rooms exchange their guests, with their nightly rates", runSwap},
         {"cancellations", "cancellations [--db PATH] [--surname X]   the cancelled rooms, newest first (at most 2000)",
          runCancellations},
-        {"restore", "restore [--db PATH] GUEST   a cancelled room comes back (exit 3 when it is now sold twice)", runRestore},
+        {"restore", "restore [--db PATH] GUEST | --from BACKUP   a cancelled room comes back (exit 3 when it is now sold twice); "
+                    "with --from, the backup replaces the database, the old file kept aside", runRestore},
         {"search",
          "search [--db PATH] [--invoice N|--proforma N|--id N|--server N|--reference X|--first X --surname X --phone X "
          "--email X --company X --status C]   bookings found as the desk's search finds them",

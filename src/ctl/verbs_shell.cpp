@@ -3,6 +3,7 @@
 #include "shell/backup.h"
 #include "shell/changelog.h"
 #include "shell/databasefiles.h"
+#include "shell/restore.h"
 #include "desk/propertygenerator.h"
 #include "shell/setuprecords.h"
 
@@ -112,6 +113,34 @@ int runMarkAll(const CommandLine &args)
 
 } // namespace
 
+int runDatabaseRestore(const CommandLine &args)
+{
+    const QString backup = args.option(QStringLiteral("from"));
+    if (backup.isEmpty())
+        return fail(QStringLiteral("--from BACKUP is needed"));
+    const QString path = databasePath(args);
+    const Result<QString> restored = restoreDatabase(path, backup);
+    if (!restored)
+        return refuse(restored.refusal());
+    printJson(QJsonObject{{"database", path}, {"restoredFrom", backup}, {"keptAs", restored.value()}});
+    return 0;
+}
+
+namespace {
+
+// SQLite's check of the whole file: exit 0 when sound.
+int runCheck(const CommandLine &args)
+{
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    const QString problems = db->quickCheck();
+    printJson(QJsonObject{{"database", databasePath(args)}, {"sound", problems.isEmpty()}, {"problems", problems}});
+    return problems.isEmpty() ? 0 : 1;
+}
+
+} // namespace
+
 const std::vector<Verb> &shellVerbs()
 {
     static const std::vector<Verb> verbs = {
@@ -119,6 +148,7 @@ const std::vector<Verb> &shellVerbs()
         {"demo", "demo [--db PATH]                      the demo property in an empty database", runDemo},
         {"generate", "generate [--db PATH] --rooms N --years Y --seed S   a generated property", runGenerate},
         {"backup", "backup [--db PATH] [--number N]       the rotating backup of the database", runBackup},
+        {"check", "check [--db PATH]                     SQLite's check of the whole database file", runCheck},
         {"log", "log [--db PATH]                       the change log (dblog) as JSON", runLog},
         {"mark-all", "mark-all [--db PATH]                  log every shared row for sending again", runMarkAll},
     };

@@ -22,7 +22,7 @@ DatabaseChoice::Result DatabaseChoice::change(Session &session, int chosen, Star
     if (chosen == session.dbNumber())
         return Unchanged;
 
-    auto fresh = Startup::openConnection(getDBPath(chosen));
+    auto fresh = Startup::openConnection(getDBPath(chosen), chosen);
     if (!fresh)
         return Reverted;
     const int oldNumber = session.dbNumber();

@@ -66,6 +66,20 @@ IniFile::IniFile(QString path)
 {
 }
 
+QStringList IniFile::damagedLines() const
+{
+    QStringList damaged;
+    const QStringList lines = readLines(m_path);
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString t = lines.at(i).trimmed();
+        if (t.isEmpty() || t.startsWith(QLatin1Char(';')) || t.startsWith(QLatin1Char('#')) || isSectionLine(t)
+            || !keyOf(t).isEmpty())
+            continue;
+        damaged << QStringLiteral("line %1: %2").arg(i + 1).arg(t.left(80));
+    }
+    return damaged;
+}
+
 QString IniFile::read(const QString &section, const QString &key, const QString &defaultValue) const
 {
     bool inSection = false;

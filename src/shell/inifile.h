@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace fenlark {
 
@@ -24,6 +25,10 @@ public:
     // Writes key=value into section, making the file and the section as needed.
     // Returns false when the file cannot be written.
     bool write(const QString &section, const QString &key, const QString &value) const;
+
+    // The lines that are neither blank, a comment, a section nor key=value, as
+    // "line N: text": reading passes over them; start-up reports them.
+    QStringList damagedLines() const;
 
 private:
     QString m_path;

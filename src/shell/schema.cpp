@@ -316,10 +316,14 @@ int Schema::currentVersion()
 
 void Schema::ensure(Database &db)
 {
+    if (db.scalar(QStringLiteral("pragma user_version")).toInt() >= currentVersion())
+        return;
+    Transaction transaction(db);
+    // Read again under the write lock: a second desk starting on the same new
+    // file may have made the tables meanwhile.
     const int have = db.scalar(QStringLiteral("pragma user_version")).toInt();
     if (have >= currentVersion())
         return;
-    Transaction transaction(db);
     for (const Migration &m : Migrations) {
         if (m.version <= have)
             continue;

@@ -5,8 +5,14 @@
 #include "shell/databasefiles.h"
 #include "shell/errorlog.h"
 #include "shell/home.h"
+#include "shell/inifile.h"
 #include "shell/messages.h"
+#include "shell/restore.h"
 #include "shell/strings.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
 
 namespace fenlark {
 
@@ -20,16 +26,43 @@ int Startup::startingDatabaseNumber()
     return hasMultipleDatabases() ? 1 : 0;
 }
 
-std::unique_ptr<Database> Startup::openConnection(const QString &path)
+std::unique_ptr<Database> Startup::openConnection(const QString &path, int dbNumber)
 {
     try {
         return Database::open(path);
     } catch (const DatabaseOpenError &e) {
-        messages::critical(5020, QStringLiteral("Could not open database (%1)"), 5021, QStringLiteral("Could not open database."),
-                           {path});
         ErrorLog::write(path + QStringLiteral(": ") + e.reason());
-        return nullptr;
+        const Refusal cannotOpen = Refusal(5020, QStringLiteral("Could not open database (%1)"), 5021,
+                                           QStringLiteral("Could not open database."))
+                                       .arg(path)
+                                       .thenText(QStringLiteral("\n\n") + e.explanation());
+        const QString backup = e.backupMayHelp() && dbNumber >= 0 ? newestBackup(dbNumber) : QString();
+        if (backup.isEmpty()) {
+            messages::showMessage(cannotOpen.toMessage());
+            return nullptr;
+        }
+        if (!offerBackup(cannotOpen, backup))
+            return nullptr;
+        const Result<QString> restored = restoreDatabase(path, backup);
+        if (!restored) {
+            messages::showMessage(restored.refusal().toMessage());
+            return nullptr;
+        }
+        return openConnection(path, -1);
     }
+}
+
+bool Startup::offerBackup(const Refusal &cannotOpen, const QString &backup)
+{
+    const QString made = QLocale().toString(QFileInfo(backup).lastModified(), QLocale::ShortFormat);
+    UserMessage question = cannotOpen.toMessage();
+    question.kind = UserMessage::Question;
+    question.id = 5052;
+    question.text += QStringLiteral("\n\n")
+                     + fillArguments(getString(5052, QStringLiteral("Restore the newest backup (%1, made %2)? The damaged file "
+                                                                      "is kept beside it under another name.")),
+                                     {QDir::toNativeSeparators(backup), made});
+    return messages::sink().ask(question);
 }
 
 Startup::Outcome Startup::run()
@@ -38,9 +71,21 @@ Startup::Outcome Startup::run()
     m_instanceLock = std::make_unique<QLockFile>(Home::file(QStringLiteral("fenlark.lock")));
     m_instanceLock->setStaleLockTime(0);
     if (!m_instanceLock->tryLock(0)) {
+        // A folder that cannot be written is no second desk: say what it is.
+        if (m_instanceLock->error() != QLockFile::LockFailedError) {
+            messages::critical(5056,
+                               QStringLiteral("Fenlark cannot write in its folder %1. Check that the folder exists and that "
+                                              "you may write in it."),
+                               5057, QStringLiteral("Folder not writable"), {QDir::toNativeSeparators(Home::path())});
+            return HomeNotWritable;
+        }
         messages::critical(2219, QStringLiteral("The veldmoor program is already running. Use that one instead."), 2220, QStringLiteral("veldmoor application already open"));
         return AlreadyRunning;
     }
+
+    // A line of vmconfig.ini that is no setting is passed over; the log says which.
+    for (const QString &line : IniFile(configPath()).damagedLines())
+        ErrorLog::write(QStringLiteral("vmconfig.ini, skipped ") + line);
 
     // 2. Language: ask on "0", otherwise set it without a dialog.
     const QString language = readConfig(QStringLiteral("Language"), QStringLiteral("0"));
@@ -54,10 +99,17 @@ Startup::Outcome Startup::run()
 
     // 5-7. Database number, open, backup.
     const int dbNumber = startingDatabaseNumber();
-    auto db = openConnection(getDBPath(dbNumber));
+    auto db = openConnection(getDBPath(dbNumber), dbNumber);
     if (!db) {
         m_host.closeSplash();
         return CannotOpenDatabase;
+    }
+    // SQLite cannot make its locks safe on a network file system: say so once.
+    if (!db->networkFileSystem().isEmpty()) {
+        messages::warning(5054,
+                          QStringLiteral("%1 lies on a network drive (%2). SQLite cannot keep a database safe there when two "
+                                         "desks use it: open it from one desk at a time, or move it to this computer."),
+                          5055, QStringLiteral("Database on a network drive"), {db->path(), db->networkFileSystem()});
     }
     m_session = std::make_unique<Session>(std::move(db), dbNumber);
     m_session->setMultipleDatabases(dbNumber > 0);

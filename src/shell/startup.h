@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/refusal.h"
 #include "shell/session.h"
 
 #include <QLockFile>
@@ -41,6 +42,7 @@ public:
     enum Outcome {
         Running,
         AlreadyRunning,
+        HomeNotWritable,
         CannotOpenDatabase,
         LoginCancelled,
         NoRooms,
@@ -56,10 +58,15 @@ public:
 
     // Which database the program starts on: 1 when Database1 is listed, else 0.
     static int startingDatabaseNumber();
-    // Opens database n, showing "Could not open database (<path>)" on failure.
-    static std::unique_ptr<Database> openConnection(const QString &path);
+    // Opens database dbNumber at path. On failure shows "Could not open database
+    // (<path>)" and why; for a damaged file with a backup it offers to restore the
+    // newest backup (the damaged file kept aside) and opens that. A dbNumber of -1
+    // offers no backup.
+    static std::unique_ptr<Database> openConnection(const QString &path, int dbNumber);
 
 private:
+    static bool offerBackup(const Refusal &cannotOpen, const QString &backup);
+
     StartupHost &m_host;
     std::unique_ptr<QLockFile> m_instanceLock;
     std::unique_ptr<Session> m_session;

@@ -227,8 +227,15 @@ QString doubleText(double d)
 {
     if (!std::isfinite(d))
         return QStringLiteral("null");
+    if (d == 0)
+        return QStringLiteral("0");   // -0 too: the reader has no negative zero
     QString s = QString::number(d, 'g', 15);
     s.replace(QLatin1Char('e'), QLatin1Char('E'));
+    // A whole number past 32 bits written bare would read back as an integer
+    // that overflows: the decimal point keeps it a double.
+    if ((d > std::numeric_limits<qint32>::max() || d < std::numeric_limits<qint32>::min()) && !s.contains(QLatin1Char('.'))
+        && !s.contains(QLatin1Char('E')))
+        s += QStringLiteral(".0");
     return s;
 }
 
@@ -887,6 +894,9 @@ void write(const JsonValue &value, QString &out)
         break;
     case JsonValue::Empty:
     case JsonValue::Nothing:
+        // A value a damaged text left unread: written as absent, so what is
+        // written is JSON whatever was read.
+        out += QLatin1String("null");
         break;
     }
 }

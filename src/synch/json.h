@@ -145,7 +145,8 @@ constexpr qsizetype MaxErrorText = 4096;
 // Truncated or hostile text never loops, overruns or recurses without bound.
 JsonValue parse(const QString &text, QString *errors = nullptr, qsizetype maxValues = MaxValues);
 
-// The text of a value: no white space, keys as they stand, pure ASCII with
+// The text of a value: no white space, keys as they stand, a value left unread
+// by a damaged text written as null, pure ASCII with
 // upper-case \u escapes, the slash always escaped.
 QString toString(const JsonValue &value);
 void write(const JsonValue &value, QString &out);

@@ -53,6 +53,29 @@ private Q_SLOTS:
         QCOMPARE(config::logLimit(), 300);
     }
 
+    // A damaged line is passed over: the settings around it still read, and the
+    // line is named for the log.
+    void damagedLinesAreSkippedAndNamed()
+    {
+        QFile f(configPath());
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("[Param]
+Language=3082
+Ã( garbage without equals
+=no key
+# comment
+
+Server=host:81
+");
+        f.close();
+        QCOMPARE(readConfig("Language", "0"), QString("3082"));
+        QCOMPARE(readConfig("Server", ""), QString("host:81"));
+        const QStringList damaged = IniFile(configPath()).damagedLines();
+        QCOMPARE(damaged.size(), 2);
+        QVERIFY(damaged.at(0).startsWith("line 3: "));
+        QCOMPARE(damaged.at(1), QString("line 4: =no key"));
+    }
+
     void keysMatchWithoutCaseAndWritesKeepOtherLines()
     {
         QFile f(configPath());

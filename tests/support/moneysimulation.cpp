@@ -24,6 +24,7 @@
 #include "shell/setuprecords.h"
 #include "synch/json.h"
 #include "synch/serverupdates.h"
+#include "support/writefaults.h"
 
 #include <QFile>
 #include <QMap>
@@ -34,6 +35,7 @@
 #include <QTemporaryDir>
 
 #include <cmath>
+#include <cstdio>
 #include <memory>
 
 using namespace fenlark;
@@ -133,6 +135,12 @@ QString templateDatabase()
     return path;
 }
 
+void copyProperty(const QString &path)
+{
+    QFile::copy(templateDatabase(), path);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+}
+
 double cents(QRandomGenerator &rng, int most)
 {
     return static_cast<double>(rng.bounded(100 * most)) / 100.0;
@@ -169,13 +177,14 @@ struct Frozen {
 
 class World {
 public:
-    World()
+    // A fresh copy of the property, or the database already at path.
+    explicit World(QString path = {})
     {
-        const QString source = templateDatabase();
-        Home::setPath(m_dir.path());
-        const QString path = m_dir.filePath(QStringLiteral("sim.db"));
-        QFile::copy(source, path);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        if (path.isEmpty()) {
+            Home::setPath(m_dir.path());
+            path = m_dir.filePath(QStringLiteral("sim.db"));
+            copyProperty(path);
+        }
         m_db = Database::open(path);
         m_rates = RateData::load(*m_db);
         m_setup.fetch(*m_db);
@@ -461,8 +470,11 @@ private:
 
     // The server sends an extra for a room with no account, as the web does;
     // the booking editor then opens the booking and gives it one.
+    // The server's keys are made up on the spot; with the reply and the account
+    // the desk then gives the extra, that is one step, which stands or falls whole.
     bool serverExtraStep(QRandomGenerator &rng)
     {
+        Transaction step(*m_db);
         m_db->execute(QStringLiteral("update guest set guestid = bbguestid where guestid = 0"));
         const auto leg = anyOf("select bbguestid from guest order by bbguestid", rng);
         if (!leg)
@@ -486,11 +498,13 @@ private:
         booking.fetch(*m_db, guest.BBBookingID);
         const qint32 roomAccount = guest.BBAccountID >= 1 ? guest.BBAccountID : booking.BBAccountID;
         Extra::updateExtraWithAccount(*m_db, booking.BBBookingID, booking.BBAccountID, guest.BBGuestID, roomAccount);
+        step.commit();
         return true;
     }
 
     bool serverDeletesClientStep(QRandomGenerator &rng)
     {
+        Transaction step(*m_db);
         m_db->execute(QStringLiteral("update client set clientid = bbclientid where clientid = 0"));
         const auto client = anyOf("select distinct invoiceto from account where status = 'O' "
                                   "and invoiceto in (select bbclientid from client) order by invoiceto",
@@ -502,6 +516,7 @@ private:
         Transaction transaction(*m_db);
         ServerUpdateApplier(*m_db).applyServerUpdates(*json::parse(text).array());
         transaction.commit();
+        step.commit();
         return true;
     }
 
@@ -772,7 +787,9 @@ std::optional<QString> replay(const std::vector<Step> &steps)
     return std::nullopt;
 }
 
-Outcome simulate(unsigned seed, int steps)
+namespace {
+
+std::vector<Step> sequenceOf(unsigned seed, int steps)
 {
     QRandomGenerator master(seed);
     int weightSum = 0;
@@ -786,6 +803,126 @@ Outcome simulate(unsigned seed, int steps)
             roll -= Weights[kind++];
         sequence.push_back({kind, master.generate()});
     }
+    return sequence;
+}
+
+} // namespace
+
+void prepareProperty(const QString &path)
+{
+    const QString home = Home::path();
+    copyProperty(path);
+    Home::setPath(home);
+}
+
+void writeUntilKilled(const QString &path, unsigned seed)
+{
+    World world(path);
+    std::printf("writing\n");
+    std::fflush(stdout);
+    for (unsigned round = 0;; ++round) {
+        for (const Step &step : sequenceOf(seed + round, 50)) {
+            try {
+                world.run(step);
+            } catch (const std::exception &) {
+                // Nothing of a failed operation stays; the next one goes on.
+            }
+        }
+    }
+}
+
+Outcome runOn(const QString &path, unsigned seed, int steps)
+{
+    World world(path);
+    Outcome outcome;
+    outcome.done.assign(KindCount, 0);
+    outcome.refusedByKind.assign(KindCount, 0);
+    for (const Step &step : sequenceOf(seed, steps)) {
+        bool done = false;
+        try {
+            done = world.run(step);
+        } catch (const DatabaseError &e) {
+            outcome.errors << e.message();
+        }
+        (done ? outcome.done : outcome.refusedByKind)[static_cast<std::size_t>(step.kind)] += 1;
+        outcome.refused += done ? 0 : 1;
+        ++outcome.stepsRun;
+    }
+    return outcome;
+}
+
+std::optional<QString> checkProperty(const QString &path)
+{
+    World world(path);
+    QRandomGenerator checks(1);
+    return world.check(Step{NewBookingStep, 0}, Frozen::take(world.db()), world.accountTotals(), checks);
+}
+
+QString WriteFailureRun::summary() const
+{
+    QStringList parts;
+    for (std::size_t kind = 0; kind < operations.size(); ++kind) {
+        parts << QStringLiteral("%1: %2 ops, up to %3 writes, %4 failures")
+                     .arg(QString::fromLatin1(KindNames[kind]))
+                     .arg(operations[kind])
+                     .arg(mostWrites[kind])
+                     .arg(failures[kind]);
+    }
+    return parts.join(QStringLiteral("\n"));
+}
+
+WriteFailureRun failEveryWrite(unsigned seed, int steps)
+{
+    WriteFailureRun run;
+    run.operations.assign(KindCount, 0);
+    run.mostWrites.assign(KindCount, 0);
+    run.failures.assign(KindCount, 0);
+    World world;
+    WriteFaults faults(world.db());
+    QRandomGenerator checks(1);
+    for (const Step &step : sequenceOf(seed, steps)) {
+        const auto kind = static_cast<std::size_t>(step.kind);
+        const QMap<QString, QByteArray> content = databaseContent(world.db());
+        const Frozen frozen = Frozen::take(world.db());
+        const double totals = world.accountTotals();
+        for (int n = 1;; ++n) {
+            faults.failAt(n);
+            try {
+                world.run(step);
+            } catch (const std::exception &) {
+                // A failed write is allowed to end the operation any way it likes.
+            }
+            if (!faults.fired()) {
+                const int writes = n - 1;
+                if (writes > 0)
+                    ++run.operations[kind];
+                run.mostWrites[kind] = std::max(run.mostWrites[kind], writes);
+                run.failures[kind] += writes;
+                break;
+            }
+            faults.failAt(0);
+            const QStringList changed = differingTables(content, databaseContent(world.db()));
+            if (!changed.isEmpty() || !noOpenTransaction(world.db())) {
+                run.failure = QStringLiteral("%1 failed at write %2 and left %3")
+                                  .arg(step.name())
+                                  .arg(n)
+                                  .arg(changed.isEmpty() ? QStringLiteral("a transaction open")
+                                                         : QStringLiteral("changes in ") + changed.join(QStringLiteral(", ")));
+                return run;
+            }
+        }
+        faults.failAt(0);
+        if (auto broken = world.check(step, frozen, totals, checks)) {
+            run.failure = step.name() + QStringLiteral(": ") + *broken;
+            return run;
+        }
+    }
+    return run;
+}
+
+Outcome simulate(unsigned seed, int steps)
+{
+    const std::vector<Step> sequence = sequenceOf(seed, steps);
 
     Outcome outcome;
     outcome.done.assign(KindCount, 0);

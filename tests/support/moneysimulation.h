@@ -8,6 +8,7 @@
 // failure is cut down to the shortest sequence that still fails, for replay.
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -34,6 +35,7 @@ struct Outcome {
     int refused = 0;   // operations the core refused (expected: bad choices are part of the game)
     std::vector<int> done, refusedByKind;   // per kind of operation
     std::optional<Failure> failure;
+    QStringList errors;   // database errors met by runOn()
     // "add extra 40/2, ..." : operations done and refused by kind.
     QString summary() const;
 };
@@ -43,5 +45,31 @@ Outcome simulate(unsigned seed, int steps);
 
 // Runs the given steps on a fresh property; what broke, if anything.
 std::optional<QString> replay(const std::vector<Step> &steps);
+
+// What breaking every write of every operation found.
+struct WriteFailureRun {
+    std::vector<int> operations;    // per kind: operations that wrote at least once
+    std::vector<int> mostWrites;    // per kind: the most rows one operation wrote
+    std::vector<int> failures;      // per kind: failures injected
+    std::optional<QString> failure; // the first operation that left a trace of a failed write
+    // "new booking 12 ops, up to 31 writes, 240 failures; ..."
+    QString summary() const;
+};
+
+// Runs the same operations as simulate(seed, steps), but before each one is let
+// through it is made to fail at each of its row writes in turn; after every
+// failure the database must be exactly as before, with no transaction left open.
+WriteFailureRun failEveryWrite(unsigned seed, int steps);
+
+// For a test that kills a process in the middle of its writes: the property of
+// the simulation copied to path; operations from seed run on it, round after
+// round, until the process is killed ("writing" on stdout once it has begun);
+// and the invariants of accounts, ledger and invoices checked on what is left.
+void prepareProperty(const QString &path);
+[[noreturn]] void writeUntilKilled(const QString &path, unsigned seed);
+std::optional<QString> checkProperty(const QString &path);
+// Runs the operations of simulate(seed, steps) on the database at path, which
+// another process may be writing too; done[0] counts the new bookings made.
+Outcome runOn(const QString &path, unsigned seed, int steps);
 
 } // namespace moneysim

@@ -36,7 +36,7 @@ void runGuarded(const std::function<void()> &action)
     try {
         action();
     } catch (const DatabaseError &e) {
-        report(e.message(), e.sql());
+        report(e.explanation(), e.message() + QStringLiteral(" [") + e.sql() + QStringLiteral("]"));
     } catch (const std::exception &e) {
         report(QString::fromUtf8(e.what()), QString());
     } catch (...) {
