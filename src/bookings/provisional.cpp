@@ -1,60 +1,85 @@
 #include "bookings/provisional.h"
 
+#include "bookings/bookingcodes.h"
 #include "bookings/bookingrecords.h"
-#include "shell/displaynames.h"
 #include "shell/database.h"
-#include "shell/messages.h"
-#include "shell/refusal.h"
+#include "shell/displaynames.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
-#include <QLocale>
 #include <QSqlQuery>
-
-#include <vector>
 
 namespace fenlark {
 
-int Provisional::checkExpired(Database &db, ProvisionalHost &host, const QDateTime &now)
+QString ProvisionalReminder::text() const
 {
-    struct Expired {
-        qint32 id;
-        QString text;
-    };
-    std::vector<Expired> expired;
-    {
-        QSqlQuery q = db.query(QStringLiteral(
-            "select booking.BBBookingID, client.FirstName, client.Surname, client.Company, booking.FromDate "
-            "from booking join client on booking.MadeBy = client.BBClientID "
-            "where booking.Status = ? and booking.ReservedUntil < ? order by booking.BBBookingID"),
-            {QStringLiteral("P"), sqlDateTime(now)});
-        while (q.next()) {
-            const QString name = clientName(QString(), fieldText(q.value(1)), fieldText(q.value(2)), QString());
-            const QString when = QLocale().toString(dateFromSql(q.value(4)), QStringLiteral("ddd dd MMM yyyy"));
-            expired.push_back({q.value(0).toInt(), name + getString(2300, QStringLiteral(" arriving ")) + when});
-        }
+    return guest + getString(2300, QStringLiteral(" arriving "))
+           + deskLocale().toString(arrival, QStringLiteral("ddd dd MMM yyyy"));
+}
+
+std::vector<ProvisionalReminder> ProvisionalReminders::due(Database &db, const QDateTime &now) const
+{
+    std::vector<ProvisionalReminder> due;
+    QSqlQuery q = db.query(QStringLiteral(
+        "select booking.BBBookingID, client.FirstName, client.Surname, client.Company, booking.FromDate, "
+        "(select BBRoomID from guest where guest.BBBookingID = booking.BBBookingID order by BBGuestID limit 1) "
+        "from booking join client on booking.MadeBy = client.BBClientID "
+        "where booking.Status = ? and booking.ReservedUntil < ? order by booking.BBBookingID"),
+        {bookingstatus::Provisional, sqlDateTime(now)});
+    while (q.next()) {
+        ProvisionalReminder reminder;
+        reminder.BBBookingID = q.value(0).toInt();
+        reminder.guest = clientName(QString(), fieldText(q.value(1)), fieldText(q.value(2)), QString());
+        reminder.arrival = dateFromSql(q.value(4));
+        reminder.firstRoomId = q.value(5).toInt();
+        due.push_back(reminder);
     }
-    for (const Expired &row : expired) {
-        host.restoreWindow();
-        UserMessage question = Refusal(1988, QStringLiteral("This is a reminder for one of your bookings. Do you want to "
-                                                            "view it now and possibly make some changes?"),
-                                       1989, QStringLiteral("Booking Reminder - "))
-                                   .toMessage();
-        question.kind = UserMessage::Question;
-        question.title += row.text;
-        const bool view = messages::sink().ask(question);
-        if (view) {
-            const qint32 room = db.scalar(QStringLiteral("select BBRoomID from guest where BBBookingID = ? order by BBGuestID"), {row.id}).toInt();
-            host.openBooking(row.id, room);
-        } else {
-            Booking booking;
-            if (booking.fetch(db, row.id)) {
-                booking.ReservedUntil = now.addSecs(4 * 3600);
-                booking.update(db);
-            }
-        }
+    // Only an answered booking needs a second look: has it changed since?
+    std::erase_if(due, [&](const ProvisionalReminder &reminder) {
+        const auto answered = m_answered.constFind(reminder.BBBookingID);
+        return answered != m_answered.constEnd() && *answered == stateOf(db, reminder.BBBookingID);
+    });
+    return due;
+}
+
+void ProvisionalReminders::answered(Database &db, qint32 bbBookingId)
+{
+    m_answered.insert(bbBookingId, stateOf(db, bbBookingId));
+}
+
+Changes ProvisionalReminders::postpone(Database &db, qint32 bbBookingId, const QDateTime &now)
+{
+    Changes changes;
+    Booking booking;
+    if (booking.fetch(db, bbBookingId) && booking.Status == bookingstatus::Provisional) {
+        booking.ReservedUntil = now.addSecs(4 * 3600);
+        booking.update(db);
+        changes.booking(bbBookingId);
     }
-    return static_cast<int>(expired.size());
+    answered(db, bbBookingId);
+    return changes;
+}
+
+QString ProvisionalReminders::stateOf(Database &db, qint32 bbBookingId)
+{
+    QString state;
+    QSqlQuery head = db.query(QStringLiteral(
+        "select Status, FromDate, ToDate, MadeBy, ReservedUntil, Notes, Source, Deposit, AgentComm, BookingType "
+        "from booking where BBBookingID = ?"),
+        {bbBookingId});
+    if (!head.next())
+        return state;
+    for (int c = 0; c < 10; ++c)
+        state += head.value(c).toString() + QLatin1Char('|');
+    QSqlQuery legs = db.query(QStringLiteral("select BBRoomID, BBClientID, NoAdults, Child1, Child2, BBRateID "
+                                             "from guest where BBBookingID = ? order by BBGuestID"),
+                              {bbBookingId});
+    while (legs.next()) {
+        state += QLatin1Char(';');
+        for (int c = 0; c < 6; ++c)
+            state += legs.value(c).toString() + QLatin1Char('|');
+    }
+    return state;
 }
 
 } // namespace fenlark

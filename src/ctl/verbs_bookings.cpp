@@ -4,6 +4,7 @@
 #include "bookings/checkinout.h"
 #include "bookings/doublebookings.h"
 #include "bookings/newbooking.h"
+#include "bookings/provisional.h"
 #include "rates/ratedata.h"
 #include "rates/roomrates.h"
 #include "bookings/bookingrecords.h"
@@ -271,6 +272,36 @@ int runArrivals(const CommandLine &args)
     return 0;
 }
 
+// The provisional bookings whose hold has run out, as the desk's reminder names
+// them; with --postpone KEY that booking's hold goes four hours on.
+int runReminders(const CommandLine &args)
+{
+    auto db = openDatabase(args);
+    if (!db)
+        return 1;
+    ProvisionalReminders reminders;
+    if (args.has(QStringLiteral("postpone"))) {
+        bool ok = false;
+        const qint32 key = args.option(QStringLiteral("postpone")).toInt(&ok);
+        if (!ok || key <= 0)
+            return fail(QStringLiteral("--postpone must be a booking key"));
+        const QDateTime now = QDateTime::currentDateTime();
+        if (reminders.postpone(*db, key, now).isEmpty())
+            return fail(QStringLiteral("Booking %1 is not a provisional booking.").arg(key));
+        printJson(QJsonObject{{"booking", key}, {"reservedUntil", now.addSecs(4 * 3600).toString(Qt::ISODate)}});
+        return 0;
+    }
+    QJsonArray due;
+    for (const ProvisionalReminder &reminder : reminders.due(*db))
+        due.append(QJsonObject{{"booking", reminder.BBBookingID},
+                               {"room", reminder.firstRoomId},
+                               {"guest", reminder.guest},
+                               {"arrival", reminder.arrival.toString(Qt::ISODate)},
+                               {"text", reminder.text()}});
+    printJson(QJsonObject{{"reminders", due}});
+    return 0;
+}
+
 const std::vector<Verb> &bookingVerbs()
 {
     static const std::vector<Verb> verbs = {
@@ -283,6 +314,9 @@ const std::vector<Verb> &bookingVerbs()
          runDoubleBookings},
         {"arrivals", "arrivals [--db PATH] [--date YYYY-MM-DD] [--departures]   the legs arriving (or leaving) that day",
          runArrivals},
+        {"reminders", "reminders [--db PATH] [--postpone KEY]   provisional bookings past their hold; --postpone puts "
+                      "one's hold four hours on",
+         runReminders},
     };
     return verbs;
 }

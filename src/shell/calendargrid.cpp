@@ -1,11 +1,14 @@
 #include "shell/calendargrid.h"
 
+#include "shell/database.h"
 #include "shell/displaynames.h"
+#include "shell/money.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
 #include <QSqlQuery>
+#include <QStringList>
 
 namespace fenlark {
 
@@ -82,6 +85,18 @@ void CalendarGrid::build(Session &session, QDate firstDay, int days, QDate today
     }
 }
 
+QString partyText(int adults, int children)
+{
+    QString text = QString::number(adults) + getString(5112, QStringLiteral(" adult"));
+    if (adults >= 2)
+        text += QLatin1Char('s');
+    if (children == 1)
+        text += QStringLiteral(", ") + getString(5113, QStringLiteral("1 Child"));
+    else if (children > 1)
+        text += QStringLiteral(", ") + QString::number(children) + getString(5114, QStringLiteral(" children"));
+    return text;
+}
+
 std::optional<QString> bookingDetails(Database &db, qint32 bbBookingId, qint32 bbRoomId)
 {
     QSqlQuery q = db.query(QStringLiteral(
@@ -97,16 +112,7 @@ std::optional<QString> bookingDetails(Database &db, qint32 bbBookingId, qint32 b
     const QString phone = fieldText(q.value(4));
     if (!phone.isEmpty())
         text += QStringLiteral(" / ") + phone;
-    const int adults = q.value(5).toInt();
-    const int children = q.value(6).toInt();
-    text += QStringLiteral(" (") + QString::number(adults) + getString(5112, QStringLiteral(" adult"));
-    if (adults >= 2)
-        text += QLatin1Char('s');
-    if (children == 1)
-        text += QStringLiteral(", ") + getString(5113, QStringLiteral("1 Child"));
-    else if (children > 1)
-        text += QStringLiteral(", ") + QString::number(children) + getString(5114, QStringLiteral(" children"));
-    text += QLatin1Char(')');
+    text += QStringLiteral(" (") + partyText(q.value(5).toInt(), q.value(6).toInt()) + QLatin1Char(')');
     const QString notes = fieldText(q.value(7));
     if (!notes.isEmpty())
         text += QLatin1Char('\n') + notes;
@@ -114,6 +120,56 @@ std::optional<QString> bookingDetails(Database &db, qint32 bbBookingId, qint32 b
     if (!source.isEmpty())
         text += QLatin1Char('\n') + getString(5115, QStringLiteral("Source: ")) + source;
     return text;
+}
+
+std::optional<QString> bookingHint(Database &db, const StatusColours &colours, qint32 bbBookingId, qint32 bbRoomId)
+{
+    // The total counts the nights of the stay in the booking's live rooms: a
+    // cancelled room keeps its nightly rates, but they are no longer charged.
+    QSqlQuery q = db.query(QStringLiteral(
+        "select client.Title, client.FirstName, client.Surname, client.Company, guest.NoAdults, "
+        "guest.Child1 + guest.Child2, booking.FromDate, booking.ToDate, booking.Status, guest.CheckInOut, "
+        "(select sum(dailyrate.RoomRate) from dailyrate join guest as live "
+        "   on live.BBBookingID = dailyrate.BBBookingID and live.BBRoomID = dailyrate.BBRoomID "
+        " where dailyrate.BBBookingID = booking.BBBookingID "
+        "   and dailyrate.CalDate >= booking.FromDate and dailyrate.CalDate < booking.ToDate) "
+        "from booking join guest on booking.BBBookingID = guest.BBBookingID "
+        "join client on guest.BBClientID = client.BBClientID "
+        "where booking.BBBookingID = ? and guest.BBRoomID = ?"),
+        {bbBookingId, bbRoomId});
+    if (!q.next())
+        return std::nullopt;
+    const QLocale locale = deskLocale();
+    const QString dateFormat = QStringLiteral("ddd dd MMM yyyy");
+    const QDate from = dateFromSql(q.value(6));
+    const QDate to = dateFromSql(q.value(7));
+    const qint64 nights = from.daysTo(to);
+
+    QString status = fieldText(q.value(8));
+    const QString checkState = fieldText(q.value(9));
+    if (status == QLatin1String("C") && !checkState.isEmpty())
+        status = checkState;
+    QString statusText;
+    if (status == QLatin1String("I"))
+        statusText = getString(5890, QStringLiteral("Checked in"));
+    else if (status == QLatin1String("K"))
+        statusText = getString(5891, QStringLiteral("Checked out"));
+    else if (const Status *known = colours.find(status))
+        statusText = known->Description;
+    else
+        statusText = status;
+
+    QStringList lines;
+    lines << clientName(fieldText(q.value(0)), fieldText(q.value(1)), fieldText(q.value(2)), fieldText(q.value(3)));
+    lines << getString(5188, QStringLiteral("Booking ID: %1")).arg(bbBookingId);
+    const QString fromText = locale.toString(from, dateFormat);
+    const QString toText = locale.toString(to, dateFormat);
+    lines << (nights == 1 ? getString(5189, QStringLiteral("%1 to %2, 1 night")).arg(fromText, toText)
+                          : getString(5190, QStringLiteral("%1 to %2, %3 nights")).arg(fromText, toText, QString::number(nights)));
+    lines << partyText(q.value(4).toInt(), q.value(5).toInt());
+    lines << statusText;
+    lines << getString(5191, QStringLiteral("Total: %1")).arg(formatAmount(roundMoney(q.value(10).toDouble())));
+    return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace fenlark

@@ -80,6 +80,15 @@ private:
     std::vector<qint32> m_missingClients;
 };
 
+// "2 adults, 1 Child": the party of a room as the desk writes it.
+QString partyText(int adults, int children);
+
+// The hint over a booking's room on the calendar, one item a line: the guest, the
+// Booking ID, the dates and nights, the room's party, the status by its name (the
+// check-in state for a confirmed booking that has one) and the booking's total.
+// nullopt when the booking or room is no longer there.
+std::optional<QString> bookingHint(Database &db, const StatusColours &colours, qint32 bbBookingId, qint32 bbRoomId);
+
 // The details box of a booking's room: name and phone, the party, notes, source.
 // nullopt when the booking or room is no longer there (the cache is stale).
 std::optional<QString> bookingDetails(Database &db, qint32 bbBookingId, qint32 bbRoomId);

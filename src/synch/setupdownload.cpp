@@ -27,6 +27,11 @@ bool SetupDownload::initialise()
     for (int attempt = 0; attempt < MaxLoginAttempts; ++attempt) {
         m_stopOnFailure = true;
         const PostResult posted = m_transport.post(setupUrl(m_login, m_lastUpdated, m_synchCounter), QByteArray());
+        if (posted.cancelled) {
+            // The person who cancelled needs no message about it; the run says so.
+            m_failure = posted.error;
+            return false;
+        }
         if (!posted.ok && posted.httpStatus > 0) {
             m_refused = posted.httpStatus >= 400 && posted.httpStatus <= 499;
             reportCommunicationError(posted.error);

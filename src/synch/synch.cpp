@@ -145,6 +145,8 @@ void Synch::run()
         const bool setupOk = setup.initialise();
         m_login.bbid = setup.login().bbid;
         m_login.password = setup.login().password;
+        if (stopIfCancelled())
+            return;
         if (!setupOk) {
             m_failed = true;
             m_summary.refused = setup.refusedByServer();
@@ -183,6 +185,8 @@ void Synch::run()
 
 void Synch::exchange()
 {
+    if (stopIfCancelled())
+        return;
     ++m_summary.exchanges;
     const int waiting = ChangeLog::count(m_db);
     m_pendingBefore = waiting;
@@ -208,6 +212,8 @@ void Synch::exchange()
              + getString(6005, QStringLiteral(" changes to go...")));
     const QString url = synchUrl(m_login, QStringLiteral("pcsynch"));
     PostResult posted = m_transport.post(url, m_message.toString().toLatin1());
+    if (stopIfCancelled())
+        return;
     // Held once only, and let go as soon as it is parsed: a reply may be 128 MiB of text.
     m_reply = posted.ok ? std::exchange(posted.reply, QString()) : QString();
     m_previousReplyHash = m_replyHash;
@@ -369,6 +375,21 @@ void Synch::reportFailure(const QString &text)
     } else {
         appendToSynchErr(Home::path(), timeStamp() + QStringLiteral(" (") + QString::number(m_login.bbid) + QStringLiteral(")") + safe);
     }
+}
+
+bool Synch::stopIfCancelled()
+{
+    if (!m_cancel || !m_cancel->isCancelled())
+        return false;
+    if (!m_summary.cancelled) {
+        m_failed = true;
+        m_summary.cancelled = true;
+        const QString text = getString(5194, QStringLiteral("Synchronisation cancelled. Nothing from the unfinished reply "
+                                                            "was applied; your changes wait for the next synchronisation."));
+        m_summary.errors << text;
+        progress(text);
+    }
+    return true;
 }
 
 void Synch::reportLocked()

@@ -23,6 +23,7 @@ struct SynchSummary {
     bool success = false;
     bool locked = false;    // another run held the lock: nothing was done
     bool refused = false;   // the server answered and said no (log-on, an error reply, HTTP 4xx)
+    bool cancelled = false; // a person ended it while it waited on the server
     int exchanges = 0;
     int sent = 0;           // log entries sent
     int acknowledged = 0;   // of those, acknowledged by the server
@@ -57,6 +58,10 @@ public:
     // A manual run (dialog and message boxes) or a silent one (synch.err).
     void setShowForm(bool value) { m_showForm = value; }
     void setObserver(SynchObserver *observer) { m_observer = observer; }
+    // A run cancelled by a person stops where it is: the post under way is given
+    // up unread (the transport must watch the same cancel), nothing more is sent
+    // or applied, the change log keeps what was not acknowledged, and the lock goes.
+    void setCancel(const SynchCancel *cancel) { m_cancel = cancel; }
     void setLogLimit(int limit) { m_logLimit = limit > 0 ? limit : 300; }
     void setLoginRetry(SetupDownload::LoginRetry retry) { m_loginRetry = std::move(retry); }
     // Skips the setup request at the head of the run (tests of the exchange alone).
@@ -80,6 +85,8 @@ private:
     void reportTimeout(const QString &detail);
     void reportFailure(const QString &text);
     void reportLocked();
+    // True, having said so, when the run was cancelled.
+    bool stopIfCancelled();
     void progress(const QString &text);
     void appendToSynchErr(const QString &folder, const QString &text);
 
@@ -92,6 +99,7 @@ private:
     bool m_showForm = false;
     bool m_skipSetup = false;
     SynchObserver *m_observer = nullptr;
+    const SynchCancel *m_cancel = nullptr;
     SetupDownload::LoginRetry m_loginRetry;
     int m_logLimit = 300;
 

@@ -29,12 +29,15 @@ void AutoSynch::noteResult(bool success, const QDateTime &now)
     s_autoFailedAt = success ? QDateTime() : now;
 }
 
-bool runSynch(Database &db, bool isManual, SynchObserver *observer, SynchSummary *summary, SetupDownload::LoginRetry loginRetry)
+bool runSynch(Database &db, bool isManual, SynchObserver *observer, SynchSummary *summary, SetupDownload::LoginRetry loginRetry,
+              const SynchCancel *cancel)
 {
     BBSetup setup;
     setup.fetch(db);
     HttpTransport transport(HttpTransport::DefaultTimeoutMs, config::proxy());
+    transport.setCancel(cancel);
     Synch synch(db, transport);
+    synch.setCancel(cancel);
     synch.setLogin(loginFromSetup(db));
     synch.setLastUpdated(setup.LastUpdated);
     synch.setSynchCounter(QString::number(setup.SynchCounter));

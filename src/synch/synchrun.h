@@ -24,9 +24,9 @@ public:
 // One synchronisation as the desk runs it: login and setup state from bbsetup,
 // Server, Proxy and LogLimit from vmconfig.ini. A manual run reports through the
 // observer and message boxes; an automatic one writes synch.err and feeds the
-// AutoSynch gate.
+// AutoSynch gate. A cancel, when given, ends the run as soon as it is cancelled.
 bool runSynch(Database &db, bool isManual, SynchObserver *observer = nullptr, SynchSummary *summary = nullptr,
-              SetupDownload::LoginRetry loginRetry = {});
+              SetupDownload::LoginRetry loginRetry = {}, const SynchCancel *cancel = nullptr);
 
 // The main window's synchronise seam. Manual: the dialog, then the new-bookings
 // notice. Automatic: a silent run, with "Failure in Auto Synchronisation..." when it

@@ -149,9 +149,21 @@ QString failureText(QNetworkReply &reply, int status)
 
 } // namespace
 
+void SynchCancel::cancel()
+{
+    if (m_cancelled)
+        return;
+    m_cancelled = true;
+    Q_EMIT cancelled();
+}
+
 PostResult HttpTransport::post(const QString &url, const QByteArray &message)
 {
     PostResult result;
+    if (m_cancel && m_cancel->isCancelled()) {
+        result.cancelled = true;
+        return result;
+    }
     const QString boundary = newBoundary(message);
     QNetworkRequest request{QUrl(url)};
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("multipart/form-data; boundary=") + boundary);
@@ -192,6 +204,8 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
         result.timedOut = true;
         reply->abort();
     });
+    if (m_cancel)
+        QObject::connect(m_cancel, &SynchCancel::cancelled, &loop, [&] { reply->abort(); });
     deadline.start(m_timeoutMs);
     if (!reply->isFinished())
         loop.exec();
@@ -199,7 +213,12 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
     readSome();
 
     result.httpStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (tooLarge) {
+    if (m_cancel && m_cancel->isCancelled()) {
+        // Nothing of a reply cut short by a person is read, however much had come.
+        result.cancelled = true;
+        result.timedOut = false;
+        result.error = getString(5193, QStringLiteral("Cancelled while waiting on the server."));
+    } else if (tooLarge) {
         result.error = getString(6041, QStringLiteral("The server's reply is larger than 64 MiB."));
     } else if (reply->error() == QNetworkReply::OperationCanceledError || reply->error() == QNetworkReply::TimeoutError) {
         result.timedOut = true;

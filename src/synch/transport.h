@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QObject>
 #include <QString>
 
 #include <memory>
@@ -49,10 +50,28 @@ QByteArray buildMultipart(const QString &boundary, const QByteArray &data);
 // A reply is read up to this size; a longer one fails before anything is parsed.
 constexpr qint64 MaxReplyBytes = 64 * 1024 * 1024;
 
+// A person's way out of a run that waits on the network: the synchronisation
+// dialog holds one and cancels; the transport ends the post under way at once and
+// the run stops before it sends or applies anything more.
+class SynchCancel : public QObject {
+    Q_OBJECT
+
+public:
+    void cancel();
+    bool isCancelled() const { return m_cancelled; }
+
+Q_SIGNALS:
+    void cancelled();
+
+private:
+    bool m_cancelled = false;
+};
+
 // What came back from one post.
 struct PostResult {
     bool ok = false;       // a reply arrived (it may still be empty)
     bool timedOut = false;
+    bool cancelled = false; // a person ended the wait: whatever had arrived is dropped
     int httpStatus = 0;    // the server's HTTP status, 0 when none came
     QString reply;         // the reply as text
     QString error;         // why it failed, for the log (no password in it)
@@ -79,9 +98,13 @@ public:
     explicit HttpTransport(int timeoutMs = DefaultTimeoutMs, const QString &proxy = {});
     ~HttpTransport() override;
     PostResult post(const QString &url, const QByteArray &message) override;
+    // Once cancel is cancelled, the post under way gives up at once and every
+    // later one returns without sending.
+    void setCancel(const SynchCancel *cancel) { m_cancel = cancel; }
 
 private:
     int m_timeoutMs;
+    const SynchCancel *m_cancel = nullptr;
     // One manager for the transport's life: the exchanges of a run share its
     // connection to the server instead of opening one each.
     std::unique_ptr<QNetworkAccessManager> m_manager;

@@ -201,6 +201,41 @@ private Q_SLOTS:
         QVERIFY(none.json.value("legs").toArray().isEmpty());
     }
 
+    void remindersListProvisionalBookingsPastTheirHoldAndPostponeOne()
+    {
+        Database &db = m_t->db();
+        db.execute("update booking set Status = 'C' where Status = 'P'");
+        const qint32 held = book("2031-07-04", "2031-07-06", {"2"});
+        const qint32 confirmed = book("2031-07-04", "2031-07-06", {"3"});
+        db.execute("update booking set Status = 'P', ReservedUntil = '2020-01-01 10:00:00' where BBBookingID = ?", {held});
+        db.execute("update booking set ReservedUntil = '2020-01-01 10:00:00' where BBBookingID = ?", {confirmed});
+
+        const Run due = ctl({"reminders"});
+        QCOMPARE(due.exitCode, 0);
+        const QJsonArray reminders = due.json.value("reminders").toArray();
+        QCOMPARE(reminders.size(), 1);
+        const QJsonObject reminder = reminders.at(0).toObject();
+        QCOMPARE(reminder.value("booking").toInt(), held);
+        QCOMPARE(reminder.value("room").toInt(), 2);
+        QCOMPARE(reminder.value("arrival").toString(), QString("2031-07-04"));
+        QCOMPARE(reminder.value("text").toString(), QString("Script arriving Fri 04 Jul 2031"));
+
+        const QString before = snapshot();
+        const Run refused = ctl({"reminders", "--postpone", QString::number(confirmed)});
+        QVERIFY(refused.exitCode != 0);
+        QVERIFY(refused.errors.contains("not a provisional booking"));
+        QVERIFY(ctl({"reminders", "--postpone", "x"}).exitCode != 0);
+        QCOMPARE(snapshot(), before);
+
+        const Run postponed = ctl({"reminders", "--postpone", QString::number(held)});
+        QCOMPARE(postponed.exitCode, 0);
+        const QDateTime until = QDateTime::fromString(postponed.json.value("reservedUntil").toString(), Qt::ISODate);
+        QVERIFY(qAbs(until.secsTo(QDateTime::currentDateTime().addSecs(4 * 3600))) < 120);
+        QCOMPARE(db.scalar("select ReservedUntil from booking where BBBookingID = ?", {held}).toString(),
+                 until.toString("yyyy-MM-dd hh:mm:ss"));
+        QVERIFY(ctl({"reminders"}).json.value("reminders").toArray().isEmpty());
+    }
+
     void doubleBookingsAreListedWithExitThree()
     {
         const Run clear = ctl({"double-bookings"});

@@ -50,6 +50,16 @@ public:
         m_piece = piece;
     }
     void answerSetup(const QByteArray &answer) { m_setup = answer; }
+    // The opening of a reply that promises more, then silence with the connection
+    // held open: a stalled server. The setup request stalls too when asked to.
+    // whenStalled is called as the silence begins.
+    void stallAfter(const QByteArray &opening, bool setupToo = false)
+    {
+        m_stall = true;
+        m_stallSetup = setupToo;
+        m_opening = opening;
+    }
+    std::function<void()> whenStalled;
 
     // What the desk sent: the target of each request as it came, and the multipart body of each exchange.
     QList<QByteArray> targets;
@@ -76,7 +86,14 @@ private:
             targets << target;
             const QByteArray body = buffer->mid(headEnd + 4, length);
             buffer->clear();
-            if (query.queryItemValue(QStringLiteral("a")) == QLatin1String("s")) {
+            const bool setup = query.queryItemValue(QStringLiteral("a")) == QLatin1String("s");
+            if (m_stall && (m_stallSetup || !setup)) {
+                if (!setup)
+                    bodies << body;
+                stall(socket);
+                return;
+            }
+            if (setup) {
                 socket->write(m_setup.isEmpty() ? httpAnswer("{\"success\":true,\"synconly\":"
                                                              + query.queryItemValue(QStringLiteral("pcsynchcounter")).toLatin1() + '}')
                                                 : m_setup);
@@ -97,8 +114,19 @@ private:
         });
     }
 
+    void stall(QTcpSocket *socket)
+    {
+        socket->write("HTTP/1.1 200 OK\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: 1000000\r\n\r\n"
+                      + m_opening);
+        socket->flush();
+        if (whenStalled)
+            whenStalled();
+    }
+
     QTcpServer m_server;
     QByteArray m_setup;
+    bool m_stall = false;
+    bool m_stallSetup = false;
     QByteArray m_exchange;
     bool m_endless = false;
     QByteArray m_opening;

@@ -147,7 +147,9 @@ void ViewBooking::build()
     bf->addRow(getString(5862, QStringLiteral("Status")), cboStatus);
     dpReserved = new QDateTimeEdit(booking);
     dpReserved->setObjectName(QStringLiteral("dpReserved"));
-    dpReserved->setDisplayFormat(QStringLiteral("dd/MM/yyyy hh:mm"));
+    // Dates in the language of the desk: "vie 04 dic 2026", not Qt's defaults.
+    dpReserved->setDisplayFormat(QStringLiteral("ddd dd MMM yyyy hh:mm"));
+    dpReserved->setLocale(deskLocale());
     bf->addRow(getString(5863, QStringLiteral("Reserved until")), dpReserved);
     dpFrom = new QDateEdit(booking);
     dpFrom->setObjectName(QStringLiteral("dpFrom"));
@@ -155,6 +157,10 @@ void ViewBooking::build()
     dpTo = new QDateEdit(booking);
     dpTo->setObjectName(QStringLiteral("dpTo"));
     dpTo->setCalendarPopup(true);
+    for (QDateEdit *box : {dpFrom, dpTo}) {
+        box->setDisplayFormat(QStringLiteral("ddd dd MMM yyyy"));
+        box->setLocale(deskLocale());
+    }
     bf->addRow(getString(5864, QStringLiteral("Arriving")), dpFrom);
     bf->addRow(getString(5865, QStringLiteral("Leaving")), dpTo);
     lblNoNights = new QLabel(booking);

@@ -3,6 +3,7 @@
 #include "accounts/accountvalidator.h"
 #include "accounts/screens/accountsearchdialogs.h"
 #include "accounts/screens/ledgerdialogs.h"
+#include "bookings/screens/reminderbar.h"
 #include "desk/screens/deskstartuphost.h"
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
@@ -13,6 +14,7 @@
 #include "shell/messages.h"
 #include "shell/refusal.h"
 #include "shell/screens/aboutdialog.h"
+#include "shell/screens/calendarlegend.h"
 #include "shell/screens/calendarview.h"
 #include "shell/screens/choosedatabasedialog.h"
 #include "shell/screens/eventdialog.h"
@@ -156,6 +158,8 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, QWidget *parent)
     setMinimumSize(807, 460);
     resize(1180, 720);
 
+    qApp->installEventFilter(this);
+
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("Timer"));
     m_timer->setInterval(10000);
@@ -206,7 +210,7 @@ void MainWindow::buildControls()
     m_from = new QDateEdit(central);
     m_from->setObjectName(QStringLiteral("dpFrom"));
     m_from->setCalendarPopup(true);
-    m_from->setDisplayFormat(QStringLiteral("ddd dd/MM/yyyy"));
+    m_from->setDisplayFormat(QStringLiteral("ddd dd MMM yyyy"));
     m_from->setDate(QDate::currentDate().addDays(-7));
     dateRow->addWidget(m_viewFromLabel);
     dateRow->addWidget(m_from);
@@ -215,12 +219,19 @@ void MainWindow::buildControls()
     dateRow->addStretch();
     layout->addLayout(dateRow);
 
-    // The calendar beside the booking panel.
+    // The calendar beside the booking panel; a reminder takes its own place above
+    // it, never over it, and the legend of the status colours sits below.
     auto *middle = new QHBoxLayout;
+    auto *calendarColumn = new QVBoxLayout;
+    m_reminderBar = new ReminderBar(*m_session, [this](qint32 booking, qint32 room) { openBooking(booking, room); }, central);
     m_model = new CalendarModel(*m_session, this);
     m_view = new CalendarView(central);
     m_view->setModel(m_model);
-    middle->addWidget(m_view, 1);
+    m_legend = new CalendarLegend(*m_session, central);
+    calendarColumn->addWidget(m_reminderBar);
+    calendarColumn->addWidget(m_view, 1);
+    calendarColumn->addWidget(m_legend);
+    middle->addLayout(calendarColumn, 1);
 
     m_bookBox = new QGroupBox(central);
     m_bookBox->setObjectName(QStringLiteral("frmBook"));
@@ -243,7 +254,7 @@ void MainWindow::buildControls()
     m_leaving->setObjectName(QStringLiteral("dpLeaving"));
     for (QDateEdit *e : {m_inDate, m_leaving}) {
         e->setCalendarPopup(true);
-        e->setDisplayFormat(QStringLiteral("ddd dd/MM/yyyy"));
+        e->setDisplayFormat(QStringLiteral("ddd dd MMM yyyy"));
         e->setDate(QDate::currentDate());
     }
     m_nights = new QLineEdit(m_bookBox);
@@ -309,6 +320,7 @@ void MainWindow::buildControls()
         // A new model reset replaces the selection model's contents, not the object.
         m_view->fitColumns();
     }));
+    connect(m_reminderBar, &ReminderBar::reminderShown, this, guarded(this, &MainWindow::restoreWindow));
     auto *colours = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_P), m_view, nullptr, nullptr, Qt::WidgetShortcut);
     connect(colours, &QShortcut::activated, this, guarded(this, &MainWindow::openColourPicker));
 
@@ -568,6 +580,8 @@ void MainWindow::drawCalendar()
         if (row >= 0)
             m_view->scrollTo(m_model->index(row, 0));
     }
+    // The colours may have been edited or renamed in another language.
+    m_legend->refresh();
 
     const auto &missing = m_model->grid().missingClients();
     if (!missing.empty() && missing != m_lastMissing)
@@ -915,7 +929,7 @@ bool MainWindow::deskIdle()
 
 void MainWindow::checkExpired()
 {
-    Provisional::checkExpired(m_session->db(), *this);
+    m_reminderBar->check();
 }
 
 void MainWindow::synchronise()
@@ -944,6 +958,22 @@ void MainWindow::openBooking(qint32 bbBookingId, qint32 bbRoomId)
 {
     if (m_seams.viewBooking)
         m_seams.viewBooking(*this, bbBookingId, bbRoomId);
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    // Whichever dialog closes (a screen, a question, a message), the keyboard goes
+    // back to the calendar once no other dialog is left open. It is set as the
+    // closing happens, so a screen that wants the focus elsewhere afterwards (the
+    // nights box after "How many nights is the booking for?") still has its way.
+    // Menus and date popups are not dialogs and leave the focus where it was.
+    if (event->type() == QEvent::Hide && watched->isWidgetType()) {
+        auto *widget = static_cast<QWidget *>(watched);
+        QWidget *modal = QApplication::activeModalWidget();
+        if (widget != this && widget->isWindow() && widget->windowType() == Qt::Dialog && (!modal || modal == widget))
+            m_view->setFocus(Qt::OtherFocusReason);
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

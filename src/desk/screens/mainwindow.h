@@ -1,6 +1,5 @@
 #pragma once
 
-#include "bookings/provisional.h"
 #include "rates/ratedata.h"
 #include "shell/changes.h"
 #include "shell/session.h"
@@ -27,9 +26,11 @@ class QUrl;
 
 namespace fenlark {
 
+class CalendarLegend;
 class CalendarModel;
 class CalendarView;
 class MainWindow;
+class ReminderBar;
 
 // The screens of the subsystems that the desk opens, each replaceable by tests.
 // Until one is connected its buttons and menu entries stay disabled.
@@ -74,7 +75,7 @@ struct DeskSeams {
 // where every screen gets the shared data from: the database, the user, rooms,
 // the calendar. It is the one listener to what the core's writes changed, and
 // brings the calendar up to date from that.
-class MainWindow : public QMainWindow, public ChangeListener, private TickHooks, private ProvisionalHost {
+class MainWindow : public QMainWindow, public ChangeListener, private TickHooks {
     Q_OBJECT
 
 public:
@@ -115,6 +116,8 @@ public:
     // Controls reached by tests.
     CalendarView *calendarView() const { return m_view; }
     CalendarModel *calendarModel() const { return m_model; }
+    CalendarLegend *calendarLegend() const { return m_legend; }
+    ReminderBar *reminderBar() const { return m_reminderBar; }
     QListWidget *roomList() const { return m_rooms; }
     QLineEdit *nightsEdit() const { return m_nights; }
     QDateEdit *inDateEdit() const { return m_inDate; }
@@ -131,15 +134,17 @@ public Q_SLOTS:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     // TickHooks
     bool deskIdle() override;
     void checkExpired() override;
     void synchronise() override;
-    // ProvisionalHost
-    void restoreWindow() override;
-    void openBooking(qint32 bbBookingId, qint32 bbRoomId) override;
+
+    // Brings a minimised window back when a reminder comes up.
+    void restoreWindow();
+    void openBooking(qint32 bbBookingId, qint32 bbRoomId);
 
     void buildControls();
     void buildMenus();
@@ -180,6 +185,8 @@ private:
 
     CalendarModel *m_model = nullptr;
     CalendarView *m_view = nullptr;
+    CalendarLegend *m_legend = nullptr;
+    ReminderBar *m_reminderBar = nullptr;
     QTimer *m_timer = nullptr;
     QLabel *m_viewFromLabel = nullptr;
     QDateEdit *m_from = nullptr;

@@ -18,6 +18,19 @@ QColor toColor(const Rgb &rgb)
     return QColor(rgb.red, rgb.green, rgb.blue);
 }
 
+// Today's column: a free night is tinted, and the column is framed in the colour
+// of today's date from the header down.
+const QColor TodayFreeCell(255, 240, 244);
+
+void paintTodayFrame(QPainter *painter, const QRect &rect, bool top)
+{
+    const QColor mark = toColor(calendarcolours::TodayText);
+    painter->fillRect(QRect(rect.left(), rect.top(), 2, rect.height()), mark);
+    painter->fillRect(QRect(rect.right() - 1, rect.top(), 2, rect.height()), mark);
+    if (top)
+        painter->fillRect(QRect(rect.left(), rect.top(), rect.width(), 2), mark);
+}
+
 } // namespace
 
 CalendarModel::CalendarModel(Session &session, QObject *parent)
@@ -73,6 +86,14 @@ QVariant CalendarModel::data(const QModelIndex &index, int role) const
         return m_grid.dateOf(index.column());
     case StatusRole:
         return cell.entry ? cell.entry->Status : QString();
+    case TodayRole:
+        return m_grid.header(index.column()).today;
+    case Qt::ToolTipRole: {
+        if (!cell.entry)
+            return {};
+        const auto hint = bookingHint(m_session.db(), m_session.statusColours(), cell.entry->BBBookingID, roomIdAt(index.row()));
+        return hint ? QVariant(*hint) : QVariant();
+    }
     default:
         return {};
     }
@@ -126,6 +147,8 @@ QVariant CalendarModel::headerData(int section, Qt::Orientation orientation, int
     }
     case DateRole:
         return h.date;
+    case TodayRole:
+        return h.today;
     default:
         return {};
     }
@@ -178,6 +201,8 @@ void CalendarHeader::paintSection(QPainter *painter, const QRect &rect, int logi
         painter->drawLine(r.bottomLeft(), r.bottomRight());
     }
     painter->drawLine(rect.topRight(), rect.bottomRight());
+    if (m->headerData(logicalIndex, Qt::Horizontal, CalendarModel::TodayRole).toBool())
+        paintTodayFrame(painter, rect, true);
     painter->restore();
 }
 
@@ -215,7 +240,12 @@ void CalendarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
         const QColor mark = option.palette.color(QPalette::Highlight);
         back = QColor((back.red() + mark.red()) / 2, (back.green() + mark.green()) / 2, (back.blue() + mark.blue()) / 2);
     }
+    const bool today = index.data(CalendarModel::TodayRole).toBool();
+    if (today && !index.data(CalendarModel::BookingIdRole).toInt())
+        back = TodayFreeCell;
     painter->fillRect(option.rect, back);
+    if (today)
+        paintTodayFrame(painter, option.rect, false);
     const QString text = index.data(Qt::DisplayRole).toString();
     if (!text.isEmpty()) {
         QFont font = option.font;

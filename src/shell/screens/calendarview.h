@@ -25,6 +25,7 @@ public:
         RoomIdRole,
         DateRole,
         StatusRole,
+        TodayRole,   // the cell or header is in today's column
         BandTextRole = Qt::UserRole + 10,        // + band 0..2 (header)
         BandBackgroundRole = Qt::UserRole + 20,  // + band 0..2 (header)
         EventNoteRole = Qt::UserRole + 30,       // + band 0..2 (header), empty without an event

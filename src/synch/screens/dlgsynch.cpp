@@ -5,6 +5,7 @@
 #include "synch/synchrun.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -13,7 +14,8 @@
 namespace fenlark {
 
 DlgSynch::DlgSynch(Database &db, QWidget *parent)
-    : QDialog(parent), m_db(db), m_lblProgress(new QLabel(this)), m_cmdProgress(new QPushButton(this))
+    : QDialog(parent), m_db(db), m_lblProgress(new QLabel(this)), m_cmdProgress(new QPushButton(this)),
+      m_cmdCancel(new QPushButton(this))
 {
     setWindowTitle(getString(1441, QStringLiteral("Synchronisation")));
     setObjectName(QStringLiteral("dlgSynch"));
@@ -23,10 +25,29 @@ DlgSynch::DlgSynch(Database &db, QWidget *parent)
     m_lblProgress->setWordWrap(true);
     m_lblProgress->setMinimumWidth(360);
     m_cmdProgress->setText(getString(1442, QStringLiteral("Start Synchronisation")));
+    m_cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    m_cmdCancel->setText(getString(5195, QStringLiteral("Cancel")));
+    m_cmdCancel->setAutoDefault(false);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_lblProgress);
-    layout->addWidget(m_cmdProgress, 0, Qt::AlignRight);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(m_cmdProgress);
+    buttons->addWidget(m_cmdCancel);
+    layout->addLayout(buttons);
     connect(m_cmdProgress, &QPushButton::clicked, this, guarded(this, &DlgSynch::onProgressClicked));
+    connect(m_cmdCancel, &QPushButton::clicked, this, guarded(this, &DlgSynch::reject));
+}
+
+void DlgSynch::reject()
+{
+    if (m_running) {
+        // The run ends itself as soon as its wait is cut; the dialog stays to say so.
+        m_cmdCancel->setEnabled(false);
+        m_cancel.cancel();
+        return;
+    }
+    QDialog::reject();
 }
 
 void DlgSynch::progress(const QString &text)
@@ -45,8 +66,11 @@ void DlgSynch::onProgressClicked()
     m_cmdProgress->setEnabled(false);
     m_cmdProgress->setText(getString(6023, QStringLiteral("Exit")));
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    m_success = runSynch(m_db, true, this);
+    m_running = true;
+    m_success = runSynch(m_db, true, this, nullptr, {}, &m_cancel);
+    m_running = false;
     QApplication::restoreOverrideCursor();
+    m_cmdCancel->hide();
     m_cmdProgress->setEnabled(true);
 }
 

@@ -12,7 +12,10 @@ namespace fenlark {
 class Database;
 
 // The manual synchronisation: a button that starts the run and becomes "Exit",
-// and a line that follows its progress.
+// a line that follows its progress, and Cancel. Before the run Cancel closes the
+// dialog; while the run waits on the server it ends the wait at once (so does
+// Escape or closing the window), nothing of the unfinished reply is applied, the
+// change log keeps its rows and the next run starts afresh.
 class DlgSynch : public QDialog, public SynchObserver {
     Q_OBJECT
 
@@ -20,7 +23,11 @@ public:
     DlgSynch(Database &db, QWidget *parent = nullptr);
 
     bool succeeded() const { return m_success; }
+    bool isRunning() const { return m_running; }
     void progress(const QString &text) override;
+
+public Q_SLOTS:
+    void reject() override;
 
 private:
     void onProgressClicked();
@@ -28,7 +35,10 @@ private:
     Database &m_db;
     QLabel *m_lblProgress;
     QPushButton *m_cmdProgress;
+    QPushButton *m_cmdCancel;
+    SynchCancel m_cancel;
     bool m_started = false;
+    bool m_running = false;
     bool m_success = false;
 };
 
