@@ -4,6 +4,8 @@
 #include "synch/json.h"
 
 #include <QHttpServerRequest>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QHttpServerResponder>
 #include <QPointer>
 #include <QTcpServer>
@@ -223,11 +225,29 @@ bool HttpFront::handleRequest(const QHttpServerRequest &request, QTcpSocket *soc
         return true;
     }
     if (path.startsWith(QLatin1String("/download"))) {
-        makeResponder(request, socket).write(QByteArray("No downloads are offered by this server."), "text/plain",
-                                             QHttpServerResponder::StatusCode::NotFound);
+        download(request, socket);
         return true;
     }
     return false;
+}
+
+void HttpFront::download(const QHttpServerRequest &request, QTcpSocket *socket)
+{
+    const QString name = request.url().path().mid(10);
+    const bool description = name == QLatin1String("fenlark.json");
+    const UpgradeRelease release = m_store.offeredUpgrade(!description);
+    if (!release.version.isEmpty() && description) {
+        const QJsonObject offer{{QStringLiteral("version"), release.version},
+                                {QStringLiteral("package"), release.package},
+                                {QStringLiteral("notes"), release.notes}};
+        makeResponder(request, socket).write(QJsonDocument(offer).toJson(QJsonDocument::Compact), "application/json");
+        return;
+    }
+    if (!release.version.isEmpty() && name == release.package) {
+        makeResponder(request, socket).write(release.bytes, "application/vnd.debian.binary-package");
+        return;
+    }
+    makeResponder(request, socket).write(QByteArray("No such download."), "text/plain", QHttpServerResponder::StatusCode::NotFound);
 }
 
 void HttpFront::missingHandler(const QHttpServerRequest &request, QTcpSocket *socket)

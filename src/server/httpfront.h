@@ -27,6 +27,8 @@ protected:
 private:
     QString synchronisation(const QHttpServerRequest &request, QString &fault);
     QString admin(const QHttpServerRequest &request, int &status);
+    // "/download/fenlark.json" describes the release on offer; "/download/<package>" is the package.
+    void download(const QHttpServerRequest &request, QTcpSocket *socket);
 
     ReferenceServer &m_store;
     int m_stallMs = 10 * 60 * 1000;
