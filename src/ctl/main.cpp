@@ -40,12 +40,17 @@ int main(int argc, char *argv[])
     const std::vector<Verb> verbs = allVerbs();
     if (args.isEmpty())
         return usage(verbs);
+    if (args.constFirst() == QLatin1String("--version")) {
+        std::printf("fenlarkctl %s\n", FENLARK_VERSION);
+        return 0;
+    }
     const QString name = args.takeFirst();
     for (const Verb &v : verbs) {
         if (name == QLatin1String(v.name)) {
             try {
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
-                                             QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms")}));
+                                             QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
+                                             QStringLiteral("download")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {
