@@ -12,6 +12,7 @@
 #include "desk/screens/mainwindow.h"
 #include "synch/screens/dlgemergencysynch.h"
 #include "synch/screens/dlgsynch.h"
+#include "synch/screens/dlgupgrade.h"
 #include "synch/synchrun.h"
 
 #include <QApplication>
@@ -112,6 +113,10 @@ DeskSeams standardSeams()
         ReportLauncher launcher(w.session(), &w);
         launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };
         launcher.run(number);
+    };
+    seams.upgrade = [](MainWindow &w) {
+        DlgUpgrade dialog(&w);
+        dialog.exec();
     };
     return seams;
 }

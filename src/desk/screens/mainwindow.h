@@ -49,6 +49,8 @@ struct DeskSeams {
     std::function<void(MainWindow &, int mode)> checkInOut;
     // Report number 1 to 12: its permission, its criteria and the report.
     std::function<void(MainWindow &, int number)> runReport;
+    // The software upgrade dialog.
+    std::function<void(MainWindow &)> upgrade;
 };
 
 // frmMain: the desk's main window. It owns the session and the rate data and is
