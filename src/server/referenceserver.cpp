@@ -293,7 +293,7 @@ QString ReferenceServer::handleSetup(qint32 bbid, const QString &password, const
         reply->add(QStringLiteral("loginfail"), JsonValue(true));
         return json::toString(JsonValue(reply));
     }
-    QSqlQuery p = exec(QStringLiteral("select synchcounter, lastupdated from property where bbid = ?"), {bbid});
+    QSqlQuery &p = exec(QStringLiteral("select synchcounter, lastupdated from property where bbid = ?"), {bbid});
     p.next();
     const qint32 counter = p.value(0).toInt();
     const QString lastUpdated = p.value(1).toString();
