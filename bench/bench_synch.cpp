@@ -1,4 +1,6 @@
 #include "generatedproperty.h"
+#include "peakmemory.h"
+#include "serverprocess.h"
 #include "server/httpfront.h"
 #include "server/referenceserver.h"
 #include "shell/changelog.h"
@@ -16,6 +18,12 @@
 #include <benchmark/benchmark.h>
 
 #include <cstring>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 using namespace fenlark;
 
@@ -129,15 +137,17 @@ void BM_FullSynchToEmptyServer(benchmark::State &state)
         QFile::copy(original, copy);
         auto db = Database::open(copy);
         const qint32 bbid = db->scalar(QStringLiteral("select BBID from bbsetup")).toInt();
+        const QString password = db->scalar(QStringLiteral("select Password from bbsetup")).toString();
         ChangeLog::markAllChanged(*db);
         rows = ChangeLog::count(*db);
+        // Seeded from the desk, so that new server ids stay clear of those the desk holds.
         server::ReferenceServer store(serverFile, QStringLiteral("bench-server"));
-        store.createProperty(bbid, QStringLiteral("pw"), QStringLiteral("Bench"));
-        server::HttpFront front(store);
+        store.seedFromDesk(copy);
+        server::HttpFront front(serverFile);
         const quint16 port = front.listen(QHostAddress::LocalHost, 0);
         HttpTransport transport;
         Synch synch(*db, transport);
-        synch.setLogin({QStringLiteral("127.0.0.1:%1").arg(port), bbid, QStringLiteral("pw"), 0, QString()});
+        synch.setLogin({QStringLiteral("127.0.0.1:%1").arg(port), bbid, password, 0, QString()});
         synch.setSkipSetup(true);
         state.ResumeTiming();
         if (!synch.synchronise() || synch.summary().acknowledged != rows) {
@@ -153,6 +163,213 @@ void BM_FullSynchToEmptyServer(benchmark::State &state)
     state.counters["rows/s"] = benchmark::Counter(static_cast<double>(rows) * state.iterations(), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_FullSynchToEmptyServer)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+
+// A full synchronisation of the generated property, everything marked for sending
+// again, to fenlark-server in a process of its own: the desk's peak memory.
+void BM_FullSynchPeakMemory(benchmark::State &state)
+{
+    const QString original = bench::generatedProperty();
+    const QString copy = bench::workDir().filePath(QStringLiteral("peak-desk.db"));
+    const QString serverFile = bench::workDir().filePath(QStringLiteral("peak-server.db"));
+    QFile::remove(copy);
+    QFile::copy(original, copy);
+    auto db = Database::open(copy);
+    const qint32 bbid = db->scalar(QStringLiteral("select BBID from bbsetup")).toInt();
+    const QString password = db->scalar(QStringLiteral("select Password from bbsetup")).toString();
+    ChangeLog::markAllChanged(*db);
+    const int rows = ChangeLog::count(*db);
+    {
+        // Seeded from the desk, so that new server ids stay clear of those the desk holds.
+        server::ReferenceServer store(serverFile, QStringLiteral("peak-prepare"));
+        store.seedFromDesk(copy);
+    }
+    bench::ServerProcess server(serverFile);
+    if (server.port == 0) {
+        state.SkipWithError("fenlark-server did not start beside the benchmarks");
+        return;
+    }
+    double before = 0;
+    for (auto _ : state) {
+        HttpTransport transport;
+        Synch synch(*db, transport);
+        synch.setLogin({QStringLiteral("127.0.0.1:%1").arg(server.port), bbid, password, 0, QString()});
+        synch.setSkipSetup(true);
+        bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
+        if (!synch.synchronise() || synch.summary().acknowledged != rows)
+            state.SkipWithError(("the synchronisation did not finish: " + synch.summary().errors.join(QLatin1Char(' ')).left(300).toUtf8()).constData());
+    }
+    state.counters["rows"] = rows;
+    state.counters["rss_before_MiB"] = before;
+    state.counters["peak_MiB"] = bench::residentMiB("VmHWM");
+}
+BENCHMARK(BM_FullSynchPeakMemory)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+
+// Serves one fixed reply to the first exchange and an empty one to each after, on
+// a thread of its own with plain sockets, until it is told to stop.
+class ReplyServer {
+public:
+    explicit ReplyServer(QByteArray first) : m_first(std::move(first))
+    {
+        m_listener = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        bind(m_listener, reinterpret_cast<sockaddr *>(&address), sizeof address);
+        listen(m_listener, 4);
+        socklen_t length = sizeof address;
+        getsockname(m_listener, reinterpret_cast<sockaddr *>(&address), &length);
+        port = ntohs(address.sin_port);
+        m_thread = std::thread([this] { serve(); });
+    }
+    ~ReplyServer()
+    {
+        shutdown(m_listener, SHUT_RDWR);
+        close(m_listener);
+        m_thread.join();
+    }
+
+    quint16 port = 0;
+
+private:
+    void serve()
+    {
+        bool first = true;
+        while (true) {
+            const int client = accept(m_listener, nullptr, nullptr);
+            if (client < 0)
+                return;
+            QByteArray request;
+            char buffer[65536];
+            qint64 wanted = -1;
+            while (wanted < 0 || request.size() < wanted) {
+                const ssize_t got = recv(client, buffer, sizeof buffer, 0);
+                if (got <= 0)
+                    break;
+                request.append(buffer, got);
+                const qsizetype end = request.indexOf("\r\n\r\n");
+                if (wanted < 0 && end >= 0) {
+                    const qsizetype at = request.toLower().indexOf("content-length:");
+                    wanted = end + 4 + (at < 0 ? 0 : request.mid(at + 15, request.indexOf('\r', at) - at - 15).trimmed().toLongLong());
+                }
+            }
+            const QByteArray body = first ? m_first : QByteArray("{\"success\":true,\"data\":{}}");
+            first = false;
+            const QByteArray answer = "HTTP/1.1 200 OK\r\nContent-Type: text/plain; charset=utf-8\r\nConnection: close\r\nContent-Length: "
+                + QByteArray::number(body.size()) + "\r\n\r\n";
+            send(client, answer.constData(), static_cast<size_t>(answer.size()), MSG_NOSIGNAL);
+            for (qsizetype sent = 0; sent < body.size();) {
+                const ssize_t put = send(client, body.constData() + sent, static_cast<size_t>(body.size() - sent), MSG_NOSIGNAL);
+                if (put <= 0)
+                    break;
+                sent += put;
+            }
+            close(client);
+        }
+    }
+
+    QByteArray m_first;
+    int m_listener = -1;
+    std::thread m_thread;
+};
+
+// A reply just under the 64 MiB limit, of server rows in the shape the desk
+// receives, read over loopback and applied to a fresh database: the desk's peak
+// memory above what it held before (which includes the reply the serving thread keeps).
+void BM_ApplyLargeReplyPeakMemory(benchmark::State &state)
+{
+    const qsizetype perGroup = serverReply(4000).toUtf8().size() / 1000;
+    QByteArray reply = serverReply(static_cast<int>((63 * 1024 * 1024 / perGroup) * 4)).toUtf8();
+    ReplyServer server(reply);
+    const qsizetype replyBytes = reply.size();
+    reply = QByteArray();
+    int applied = 0;
+    double before = 0;
+    for (auto _ : state) {
+        QTemporaryDir dir;
+        Home::setPath(dir.path());
+        auto db = Database::open(dir.filePath(QStringLiteral("large.db")));
+        HttpTransport transport;
+        Synch synch(*db, transport);
+        synch.setLogin({QStringLiteral("127.0.0.1:%1").arg(server.port), 12345, QStringLiteral("pw"), 0, QString()});
+        synch.setSkipSetup(true);
+        bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
+        if (!synch.synchronise())
+            state.SkipWithError(("the reply was not applied: " + synch.summary().errors.join(QLatin1Char(' ')).left(200).toUtf8()).constData());
+        applied = synch.summary().received;
+    }
+    state.counters["reply_MiB"] = static_cast<double>(replyBytes) / (1024.0 * 1024.0);
+    state.counters["rows"] = applied;
+    state.counters["rss_before_MiB"] = before;
+    state.counters["peak_MiB"] = bench::residentMiB("VmHWM");
+}
+BENCHMARK(BM_ApplyLargeReplyPeakMemory)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+
+// Answers every post with the same text, as if it had come off the wire.
+class FixedReply : public ServerTransport {
+public:
+    explicit FixedReply(QString reply) : m_reply(std::move(reply)) {}
+    PostResult post(const QString &, const QByteArray &) override
+    {
+        PostResult r;
+        r.ok = true;
+        r.reply = m_reply;
+        return r;
+    }
+
+private:
+    QString m_reply;
+};
+
+// A million small entries in one reply: the run refuses it whole (past the limit
+// of values a reply may hold) in bounded time and memory.
+void BM_MillionSmallEntriesRefused(benchmark::State &state)
+{
+    QString reply = QStringLiteral("{\"success\":true,\"data\":{\"logupdates\":[");
+    for (int i = 1; i <= 1'000'000; ++i) {
+        reply += QStringLiteral("{\"tablename\":\"client\",\"logtype\":\"D\",\"tableid\":%1}").arg(i);
+        reply += i < 1'000'000 ? QLatin1Char(',') : QLatin1Char(']');
+    }
+    reply += QStringLiteral("}}");
+    reply.squeeze();
+    FixedReply transport(reply);
+    double before = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        QTemporaryDir dir;
+        Home::setPath(dir.path());
+        auto db = Database::open(dir.filePath(QStringLiteral("million.db")));
+        Synch synch(*db, transport);
+        synch.setSkipSetup(true);
+        bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
+        state.ResumeTiming();
+        if (synch.synchronise())
+            state.SkipWithError("a reply of a million entries was taken");
+    }
+    state.counters["reply_MiB"] = static_cast<double>(reply.toUtf8().size()) / (1024.0 * 1024.0);
+    state.counters["rss_before_MiB"] = before;
+    state.counters["peak_MiB"] = bench::residentMiB("VmHWM");
+}
+// The most values a hostile reply can pack into 64 MiB of text: "[0,0,0,...": the
+// parse gives up at its limit of values, within bounded memory.
+void BM_HostileArrayOfZeros(benchmark::State &state)
+{
+    QString reply = QStringLiteral("[") + QStringLiteral("0,").repeated(32 * 1024 * 1024 - 2) + QStringLiteral("0]");
+    double before = 0;
+    for (auto _ : state) {
+        bench::resetPeak();
+        before = bench::residentMiB("VmRSS");
+        QString errors;
+        if (!json::parse(reply, &errors).isNothing())
+            state.SkipWithError("32 million values were taken");
+    }
+    state.counters["rss_before_MiB"] = before;
+    state.counters["peak_MiB"] = bench::residentMiB("VmHWM");
+}
+BENCHMARK(BM_HostileArrayOfZeros)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+BENCHMARK(BM_MillionSmallEntriesRefused)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 
 } // namespace
 

@@ -3,8 +3,11 @@
 #include "shell/record.h"
 #include "shell/setuprecords.h"
 
+#include <optional>
+
 namespace fenlark {
 
+class ClientTran;
 class Payment;
 
 // What a client owes for one or more bookings.
@@ -53,6 +56,17 @@ public:
     double Price = 0;
     qint32 BBStockID = 0;
     qint32 BBAccountID = 0;
+
+    // Extras that arrived with account 0 (from the server) get one: all such
+    // extras of the booking go to its account when the room bills on it, else
+    // only those of this room go to the room's account.
+    static void updateExtraWithAccount(Database &db, qint32 bookingId, qint32 bookingAccountId, qint32 guestId,
+                                       qint32 roomAccountId);
+    // The booking's extras that stand on oldAccountId move to newAccountId.
+    static void changeAccount(Database &db, qint32 oldAccountId, qint32 newAccountId, qint32 bookingId);
+    // Whether an extra of this room stands on another account than the room's
+    // effective one (its own account, or else its booking's).
+    static bool hasDifferentExtras(Database &db, qint32 guestId);
 };
 
 class Payment : public LocalRecord<Payment> {
@@ -71,6 +85,9 @@ public:
     QString PaymentType;
     QString Reference;
     double Amount = 0;
+
+    // The payment's "PMT" row in the ledger, if it has one.
+    std::optional<ClientTran> getClientTran(Database &db) const;
 };
 
 class ClientTran : public LocalRecord<ClientTran> {
@@ -90,6 +107,9 @@ public:
     double Amount = 0;   // positive is a debit
     double VAT = 0;
     bool Matched = false;
+
+    // The row of that type and number (the first made, should there be several).
+    bool fetchByTranNo(Database &db, const QString &tranType, qint32 tranNo);
 };
 
 class Invoice : public InsertOnlyRecord<Invoice> {
@@ -108,6 +128,9 @@ public:
     double Amount = 0;
     double VAT = 0;
     qint32 BBAccountID = 0;
+
+    // The invoice of that number (the first made, should there be several).
+    bool fetchByNumber(Database &db, qint32 invoiceNo);
 };
 
 class InvoiceItem : public LocalRecord<InvoiceItem> {
@@ -127,6 +150,11 @@ public:
     double Qty = 0;
     double Price = 0;
     qint16 VatCode = 0;
+
+    // What the line comes to: Qty x Price to the cent.
+    double lineTotal() const;
+    // The lines of an invoice, by date and then as written.
+    static std::vector<InvoiceItem> forInvoice(Database &db, qint32 invoiceId);
 };
 
 class CreditNote : public InsertOnlyRecord<CreditNote> {
@@ -142,6 +170,8 @@ public:
     QDateTime CreateDate;
     QString CreateUser;
     qint32 InvoiceNo = 0;
+
+    bool fetchByNumber(Database &db, qint32 creditNoteNo);
 };
 
 // An item the property sells (downloaded).
@@ -156,7 +186,11 @@ public:
     QString Active;
     double Price = 0;
     qint16 VatCode = 0;
-};
 
+    // The items that can be chosen, by name.
+    static std::vector<Stock> fetchActive(Database &db);
+    // Every item, by name.
+    static std::vector<Stock> fetchAll(Database &db);
+};
 
 } // namespace fenlark

@@ -54,9 +54,11 @@ bool Account::fetchAccounts(Database &db, qint32 accountId, qint32 invoiceTo)
 double Account::getBalanceOnAccount(Database &db, qint32 accountId)
 {
     const double accommodation =
-        db.scalar(QStringLiteral("select sum(roomrate) as total from booking, guest, dailyrate "
-                                 "where booking.bbbookingid = guest.bbbookingid and guest.bbbookingid = dailyrate.bbbookingid "
-                                 "and guest.bbroomid = dailyrate.bbroomid and booking.bbaccountid = ?"),
+        // The rooms of each booking are found through the booking, not through
+        // every stay ever made in the same room.
+        db.scalar(QStringLiteral("select sum(dailyrate.roomrate) as total from booking, dailyrate "
+                                 "where booking.bbaccountid = ? and dailyrate.bbbookingid = booking.bbbookingid "
+                                 "and dailyrate.bbroomid in (select guest.bbroomid from guest where guest.bbbookingid = booking.bbbookingid)"),
                   {accountId})
             .toDouble();
     double extras = 0;

@@ -155,6 +155,13 @@ void DailyRate::changeBookingID(Database &db, qint32 oldBookingId, qint32 newBoo
                {newBookingId, oldBookingId, roomId});
 }
 
+int DailyRate::removeOrphans(Database &db, qint32 bookingId, qint32 roomId)
+{
+    return db.execute(QStringLiteral("delete from dailyrate where bbbookingid = ? and bbroomid = ? and not exists "
+                                     "(select 1 from guest where guest.bbbookingid = ? and guest.bbroomid = ?)"),
+                      {bookingId, roomId, bookingId, roomId});
+}
+
 double DailyRate::fetchAvgDailyRate(Database &db, qint32 guestId, qint32 bookingId)
 {
     const QVariant avg = db.scalar(

@@ -106,6 +106,10 @@ public:
     static void deleteAfterDate(Database &db, qint32 bookingId, const QDate &date);
     // Moves one room's nights to another head. Not logged.
     static void changeBookingID(Database &db, qint32 oldBookingId, qint32 newBookingId, qint32 roomId);
+    // The nights of that booking and room that belong to no live leg (left by a
+    // cancelled leg) go; a write that moves a leg into a room runs this first, so
+    // a night never has two rates. Not logged: the caller's write logs the head.
+    static int removeOrphans(Database &db, qint32 bookingId, qint32 roomId);
     // Average nightly rate of a leg; 0 when it has no nights.
     static double fetchAvgDailyRate(Database &db, qint32 guestId, qint32 bookingId);
     // The nights of one room of a booking, by date.

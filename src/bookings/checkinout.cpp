@@ -1,5 +1,6 @@
 #include "bookings/checkinout.h"
 
+#include "bookings/bookingrecords.h"
 #include "clients/clientnames.h"
 #include "shell/database.h"
 
@@ -24,6 +25,36 @@ std::vector<DayLeg> legsOfTheDay(Database &db, StayEnd end, const QDate &day)
         legs.push_back(leg);
     }
     return legs;
+}
+
+QString checkInOutCode(CheckState state)
+{
+    switch (state) {
+    case CheckState::CheckedIn:
+        return QStringLiteral("I");
+    case CheckState::CheckedOut:
+        return QStringLiteral("K");
+    case CheckState::None:
+        break;
+    }
+    return QString();
+}
+
+Result<Changes> setCheckInOut(Database &db, qint32 bookingId, qint32 roomId, CheckState state, const QDateTime &now)
+{
+    Booking head;
+    Guest leg;
+    if (!head.fetch(db, bookingId) || !leg.fetchLeg(db, bookingId, roomId))
+        return Refusal(5825, QStringLiteral("Error: Could not find guest data. Call veldmoor (021 555 0108)."), 5824,
+                       QStringLiteral("Data Error"));
+    if (state != CheckState::None && head.FromDate.startOfDay() > now)
+        return Refusal(5819, QStringLiteral("You cannot set the Checked In/Out as the guest hasn't arrived yet."), 5820,
+                       QStringLiteral("Cannot Check In/Out before Arrival"));
+    leg.CheckInOut = checkInOutCode(state);
+    leg.update(db);
+    Changes changes;
+    changes.booking(bookingId);
+    return changes;
 }
 
 } // namespace fenlark

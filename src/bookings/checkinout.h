@@ -1,6 +1,10 @@
 #pragma once
 
+#include "shell/changes.h"
+#include "shell/refusal.h"
+
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 
 #include <vector>
@@ -23,5 +27,16 @@ struct DayLeg {
 // The legs of bookings that arrive (or leave) on the day, whatever their status,
 // in the rooms' order.
 std::vector<DayLeg> legsOfTheDay(Database &db, StayEnd end, const QDate &day);
+
+// Where a leg stands at the desk: not arrived, checked in, checked out.
+enum class CheckState { None, CheckedIn, CheckedOut };
+// "", "I" or "K", as guest.CheckInOut keeps it.
+QString checkInOutCode(CheckState state);
+
+// Marks the leg in that room of a booking as checked in or out, or clears the
+// mark. Refused when the leg is missing, or when a mark is set before the
+// guest's arrival day.
+Result<Changes> setCheckInOut(Database &db, qint32 bookingId, qint32 roomId, CheckState state,
+                              const QDateTime &now = QDateTime::currentDateTime());
 
 } // namespace fenlark

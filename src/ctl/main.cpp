@@ -14,8 +14,8 @@ namespace {
 std::vector<Verb> allVerbs()
 {
     std::vector<Verb> verbs;
-    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &bookingVerbs(), &synchVerbs(),
-                              &documentVerbs(), &reportVerbs()})
+    for (const auto *group : {&shellVerbs(), &ratesVerbs(), &recordsVerbs(), &clientVerbs(), &bookingVerbs(),
+                              &maintenanceVerbs(), &accountsVerbs(), &synchVerbs(), &documentVerbs(), &reportVerbs()})
         verbs.insert(verbs.end(), group->begin(), group->end());
     return verbs;
 }
@@ -50,7 +50,9 @@ int main(int argc, char *argv[])
             try {
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
                                              QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
-                                             QStringLiteral("download")}));
+                                             QStringLiteral("out"), QStringLiteral("clear"), QStringLiteral("beds"),
+                                             QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat"),
+                                             QStringLiteral("as-new"), QStringLiteral("download")}));
             } catch (const DatabaseError &e) {
                 return fail(QStringLiteral("database error: ") + e.message());
             } catch (const std::exception &e) {

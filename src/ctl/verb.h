@@ -24,10 +24,16 @@ const std::vector<Verb> &ratesVerbs();
 const std::vector<Verb> &recordsVerbs();
 const std::vector<Verb> &synchVerbs();
 const std::vector<Verb> &bookingVerbs();
+const std::vector<Verb> &accountsVerbs();
+const std::vector<Verb> &clientVerbs();
 const std::vector<Verb> &documentVerbs();
 const std::vector<Verb> &reportVerbs();
+const std::vector<Verb> &maintenanceVerbs();
 // booking dates|room|split: the editor's save and split (the "booking" verb hands them on).
 int runBookingChange(const CommandLine &args);
+// booking add-room|free-rooms|cancel|cancel-room|checkin|rates: keeping a booking's rooms.
+bool isBookingMaintenance(const QString &word);
+int runBookingMaintenance(const CommandLine &args);
 
 // The database named by --db, else the configured database of the home folder.
 // Prints the reason and returns null when it cannot be opened.

@@ -160,6 +160,8 @@ QJsonObject stayJson(Database &db, qint32 bookingId)
 int runBookingChange(const CommandLine &args)
 {
     const QStringList words = args.positional();
+    if (!words.isEmpty() && isBookingMaintenance(words.at(0)))
+        return runBookingMaintenance(args);
     bool ok = false;
     const qint32 key = words.size() == 2 ? words.at(1).toInt(&ok) : 0;
     if (!ok || key < 1)

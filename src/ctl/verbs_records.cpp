@@ -137,7 +137,15 @@ const std::vector<Verb> &recordsVerbs()
         {"booking", "booking show [--db PATH] KEY          a booking: head, legs, nights with rates, account\n"
                     "  booking dates [--db PATH] KEY --from DATE --to DATE [--reprice]   move the stay\n"
                     "  booking room [--db PATH] KEY --leg ROOM --to-room ROOM   move one leg to another room\n"
-                    "  booking split [--db PATH] KEY --leg ROOM   split one leg off into its own booking",
+                    "  booking split [--db PATH] KEY --leg ROOM   split one leg off into its own booking\n"
+                    "  booking add-room [--db PATH] KEY --room R [--rate ID] [--adults A] [--child1 N] [--child2 N] "
+                    "[--client ID] [--yes]   add a room to the booking\n"
+                    "  booking free-rooms [--db PATH] KEY --leg ROOM [--from DATE --to DATE]   the rooms that leg may move to\n"
+                    "  booking cancel [--db PATH] KEY --reason TEXT   cancel the whole booking\n"
+                    "  booking cancel-room [--db PATH] KEY --leg ROOM --reason TEXT   cancel one room of it\n"
+                    "  booking checkin [--db PATH] KEY --leg ROOM [--out|--clear]   mark the room checked in or out\n"
+                    "  booking rates [--db PATH] KEY [--sheet ID] [--refresh] [--set ROOM:DATE=AMOUNT ...]   "
+                    "the nightly rates, changed and saved as the rates view does",
          runBooking},
     };
     return verbs;

@@ -16,6 +16,9 @@ namespace fenlark::ctl {
 
 namespace {
 
+// How "synch" ends, for scripts: each way of not synchronising has its own code.
+enum SynchExit { Synchronised = 0, Failed = 1, RefusedByServer = 3, Locked = 4 };
+
 // One silent synchronisation against the configured Server, as the desk's timer runs it.
 int runSynch(const CommandLine &args)
 {
@@ -36,6 +39,7 @@ int runSynch(const CommandLine &args)
     const SynchSummary &s = synch.summary();
     printJson(QJsonObject{{"success", ok},
                           {"locked", s.locked},
+                          {"refused", s.refused},
                           {"exchanges", s.exchanges},
                           {"sent", s.sent},
                           {"acknowledged", s.acknowledged},
@@ -43,7 +47,11 @@ int runSynch(const CommandLine &args)
                           {"errors", QJsonArray::fromStringList(s.errors)}});
     for (const QString &error : s.errors)
         std::fprintf(stderr, "fenlarkctl synch: %s\n", qUtf8Printable(error));
-    return ok ? 0 : 1;
+    if (ok)
+        return Synchronised;
+    if (s.locked)
+        return Locked;
+    return s.refused ? RefusedByServer : Failed;
 }
 
 ServerLogin upgradeLogin(const CommandLine &args)
@@ -101,7 +109,8 @@ int runUpgrade(const CommandLine &args)
 const std::vector<Verb> &synchVerbs()
 {
     static const std::vector<Verb> verbs = {
-        {"synch", "synch [--db PATH]                     one silent synchronisation with the Server of vmconfig.ini", runSynch},
+        {"synch", "synch [--db PATH]                     one silent synchronisation with the Server of vmconfig.ini "
+                  "(exit 1 failed, 3 refused by the server, 4 another run holds the lock)", runSynch},
         {"upgrade-check", "upgrade-check [--db PATH] [--download]  what the server offers for upgrade; --download backs up and fetches it", runUpgrade},
     };
     return verbs;

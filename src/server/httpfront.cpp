@@ -1,23 +1,19 @@
 #include "server/httpfront.h"
 
 #include "server/referenceserver.h"
+#include "server/storeworkers.h"
 #include "synch/json.h"
 
-#include <QHttpServerRequest>
+#include <QCryptographicHash>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QHttpServerResponder>
 #include <QPointer>
+#include <QRandomGenerator>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
-#include <QUrlQuery>
 
 #include <algorithm>
-
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
 
 namespace fenlark::server {
 
@@ -45,13 +41,18 @@ QByteArray multipartData(const QByteArray &contentType, const QByteArray &body)
 
 namespace {
 
-QByteArray header(const QHttpServerRequest &request, const QByteArray &name)
+// Bodies up to this size are still taken once large ones have used LargeBodyBudget.
+constexpr qint64 SmallBody = 1024 * 1024;
+
+QByteArray jsonFailure(const QString &code, const QString &message)
 {
-    for (const auto &h : request.headers()) {
-        if (h.first.compare(name, Qt::CaseInsensitive) == 0)
-            return h.second;
-    }
-    return QByteArray();
+    auto error = std::make_shared<JsonObject>();
+    error->add(QStringLiteral("code"), code);
+    error->add(QStringLiteral("message"), message);
+    auto reply = std::make_shared<JsonObject>();
+    reply->add(QStringLiteral("success"), JsonValue(false));
+    reply->add(QStringLiteral("error"), JsonValue(error));
+    return json::toString(JsonValue(reply)).toUtf8();
 }
 
 // Rewrites a good reply the way a faulty server would.
@@ -79,180 +80,304 @@ QString applyReplyFault(const QString &fault, const QString &reply)
     return json::toString(value);
 }
 
-// Acknowledges every piece of a request at once. A client that writes its body in
-// pieces without TCP_NODELAY (Qt's own does) otherwise waits on the kernel's
-// delayed acknowledgement, some 40 ms, once per exchange.
-class QuickAckServer : public QTcpServer {
-public:
-    using QTcpServer::QTcpServer;
-
-protected:
-    void incomingConnection(qintptr descriptor) override
-    {
-        auto *socket = new QTcpSocket(this);
-        if (!socket->setSocketDescriptor(descriptor)) {
-            delete socket;
-            return;
-        }
-#ifdef TCP_QUICKACK
-        QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] {
-            const int on = 1;
-            setsockopt(static_cast<int>(socket->socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
-        });
-#endif
-        addPendingConnection(socket);
-    }
+// What a worker made of one synchronisation request.
+struct SynchAnswer {
+    HttpResponse response;
+    QString fault;
+    enum class Login { NotAsked, Failed, Succeeded } login = Login::NotAsked;
 };
 
-} // namespace
-
-HttpFront::HttpFront(ReferenceServer &store, QObject *parent) : QAbstractHttpServer(parent), m_store(store) {}
-
-quint16 HttpFront::listen(const QHostAddress &address, quint16 port)
+SynchAnswer synchronisationAnswer(ReferenceServer &store, const HttpRequest &request)
 {
-    auto *server = new QuickAckServer(this);
-    if (!server->listen(address, port)) {
-        delete server;
-        return 0;
+    SynchAnswer answer;
+    const QString action = request.text("a");
+    const qint32 bbid = request.text("bbid").toInt();
+    // The password as the desk puts it on the wire: the low byte of each character.
+    const QString password = QString::fromLatin1(request.query.value("p"));
+    QString reply;
+    try {
+        const bool known = action == QLatin1String("s") || action == QLatin1String("upgrade") || action == QLatin1String("pcsynch");
+        if (known)
+            answer.login = store.authenticate(bbid, password) ? SynchAnswer::Login::Succeeded : SynchAnswer::Login::Failed;
+        if (action == QLatin1String("s")) {
+            reply = store.handleSetup(bbid, password, request.text("pcsynchcounter"));
+        } else if (action == QLatin1String("upgrade")) {
+            reply = store.handleUpgrade(bbid, password);
+        } else if (action == QLatin1String("pcsynch")) {
+            // Faults act on the exchange only, so a run always gets past its setup check.
+            answer.fault = store.takeFault();
+            if (answer.fault == QLatin1String("fail")) {
+                reply = QString::fromUtf8(jsonFailure(QStringLiteral("503"), QStringLiteral("The server is resting (injected failure)")));
+            } else {
+                const QByteArray message = multipartData(request.header("content-type"), request.body);
+                reply = store.handlePcSynch(bbid, password, QString::fromUtf8(message));
+            }
+        } else {
+            reply = QString::fromUtf8(jsonFailure(QStringLiteral("400"), QStringLiteral("Unknown action")));
+        }
+    } catch (const std::exception &) {
+        reply = QString::fromUtf8(jsonFailure(QStringLiteral("500"), QStringLiteral("Server store failure")));
     }
-    bind(server);
-    return server->serverPort();
+    answer.response.body = applyReplyFault(answer.fault, reply).toUtf8();
+    return answer;
 }
 
-QString HttpFront::synchronisation(const QHttpServerRequest &request, QString &fault)
+// "/download/fenlark.json" describes the release on offer (version, package,
+// notes); "/download/<package>" is the package itself.
+HttpResponse answerDownload(ReferenceServer &store, const HttpRequest &request)
 {
-    const QUrlQuery query = request.query();
-    const QString action = query.queryItemValue(QStringLiteral("a"));
-    const qint32 bbid = query.queryItemValue(QStringLiteral("bbid")).toInt();
-    const QString password = query.queryItemValue(QStringLiteral("p"), QUrl::FullyDecoded);
-    if (action == QLatin1String("s"))
-        return m_store.handleSetup(bbid, password, query.queryItemValue(QStringLiteral("pcsynchcounter")));
-    if (action == QLatin1String("upgrade"))
-        return m_store.handleUpgrade(bbid, password);
-    if (action == QLatin1String("pcsynch")) {
-        // Faults act on the exchange only, so a run always gets past its setup check.
-        fault = m_store.takeFault();
-        if (fault == QLatin1String("fail"))
-            return QStringLiteral("{\"success\":false,\"error\":{\"code\":\"503\",\"message\":\"The server is resting (injected failure)\"}}");
-        const QByteArray message = multipartData(header(request, "Content-Type"), request.body());
-        return m_store.handlePcSynch(bbid, password, QString::fromUtf8(message));
+    HttpResponse response;
+    const QString name = QString::fromUtf8(request.path.mid(10));
+    const bool description = name == QLatin1String("fenlark.json");
+    try {
+        const UpgradeRelease release = store.offeredUpgrade(!description);
+        if (!release.version.isEmpty() && description) {
+            const QJsonObject offer{{QStringLiteral("version"), release.version},
+                                    {QStringLiteral("package"), release.package},
+                                    {QStringLiteral("notes"), release.notes}};
+            response.contentType = "application/json";
+            response.body = QJsonDocument(offer).toJson(QJsonDocument::Compact);
+            return response;
+        }
+        if (!release.version.isEmpty() && name == release.package) {
+            response.contentType = "application/vnd.debian.binary-package";
+            response.body = release.bytes;
+            return response;
+        }
+    } catch (const std::exception &) {
+        response.status = 500;
+        response.body = "Server store failure.";
+        return response;
     }
-    return QStringLiteral("{\"success\":false,\"error\":{\"code\":\"400\",\"message\":\"Unknown action\"}}");
+    response.status = 404;
+    response.body = "No such download.";
+    return response;
 }
 
-QString HttpFront::admin(const QHttpServerRequest &request, int &status)
+HttpResponse answerAdmin(ReferenceServer &store, const HttpRequest &request)
 {
-    const QUrlQuery q = request.query();
-    const QString command = request.url().path().mid(7);
-    const qint32 bbid = q.queryItemValue(QStringLiteral("bbid")).toInt();
-    status = 200;
+    HttpResponse response;
+    response.contentType = "application/json";
+    const QString command = QString::fromUtf8(request.path.mid(7));
+    const qint32 bbid = request.text("bbid").toInt();
     try {
         if (command == QLatin1String("booking")) {
             OnlineBooking b;
-            b.roomId = q.queryItemValue(QStringLiteral("room")).toInt();
-            b.fromDate = QDate::fromString(q.queryItemValue(QStringLiteral("from")), Qt::ISODate);
+            b.roomId = request.text("room").toInt();
+            b.fromDate = QDate::fromString(request.text("from"), Qt::ISODate);
             if (!b.fromDate.isValid())
                 b.fromDate = QDate::currentDate().addDays(7);
-            b.nights = std::max(1, q.queryItemValue(QStringLiteral("nights")).toInt());
-            if (q.hasQueryItem(QStringLiteral("surname")))
-                b.surname = q.queryItemValue(QStringLiteral("surname"), QUrl::FullyDecoded);
-            if (q.hasQueryItem(QStringLiteral("rate")))
-                b.rate = q.queryItemValue(QStringLiteral("rate")).toDouble();
-            const OnlineBookingIds ids = m_store.addOnlineBooking(bbid, b);
-            return QStringLiteral("{\"booking\":%1,\"guest\":%2,\"client\":%3,\"account\":%4}")
-                .arg(ids.booking).arg(ids.guest).arg(ids.client).arg(ids.account);
+            b.nights = std::max(1, request.text("nights").toInt());
+            if (request.has("surname"))
+                b.surname = request.text("surname");
+            if (request.has("rate"))
+                b.rate = request.text("rate").toDouble();
+            const OnlineBookingIds ids = store.addOnlineBooking(bbid, b);
+            response.body = QStringLiteral("{\"booking\":%1,\"guest\":%2,\"client\":%3,\"account\":%4}")
+                                .arg(ids.booking).arg(ids.guest).arg(ids.client).arg(ids.account).toUtf8();
+            return response;
         }
         if (command == QLatin1String("fault")) {
-            const QString count = q.queryItemValue(QStringLiteral("count"));
-            m_store.setFault(q.queryItemValue(QStringLiteral("name")), count.isEmpty() ? 1 : count.toInt());
-            return QStringLiteral("{\"ok\":true}");
+            const QString count = request.text("count");
+            store.setFault(request.text("name"), count.isEmpty() ? 1 : count.toInt());
+            response.body = "{\"ok\":true}";
+            return response;
         }
         if (command == QLatin1String("delete")) {
-            m_store.deleteRow(bbid, q.queryItemValue(QStringLiteral("table")), q.queryItemValue(QStringLiteral("tableid")).toInt());
-            return QStringLiteral("{\"ok\":true}");
+            store.deleteRow(bbid, request.text("table"), request.text("tableid").toInt());
+            response.body = "{\"ok\":true}";
+            return response;
         }
-    } catch (const ServerError &e) {
-        status = 400;
-        return QStringLiteral("{\"error\":\"%1\"}").arg(QString::fromUtf8(e.what()).replace(QLatin1Char('"'), QLatin1Char('\'')));
+    } catch (const std::exception &e) {
+        response.status = 400;
+        response.body = "{\"error\":\"" + QByteArray(e.what()).replace('"', '\'').replace('\\', '/') + "\"}";
+        return response;
     }
-    status = 404;
-    return QStringLiteral("{\"error\":\"unknown admin command\"}");
+    response.status = 404;
+    response.body = "{\"error\":\"unknown admin command\"}";
+    return response;
 }
 
-bool HttpFront::handleRequest(const QHttpServerRequest &request, QTcpSocket *socket)
+bool sameToken(const QByteArray &given, const QString &token)
 {
-    const QString path = request.url().path();
-    if (path == QLatin1String("/moorgate/Synchronisation")) {
-        QString fault;
-        QString reply;
-        try {
-            reply = synchronisation(request, fault);
-        } catch (const ServerError &e) {
-            reply = QStringLiteral("{\"success\":false,\"error\":{\"code\":\"500\",\"message\":\"Server store failure\"}}");
-        }
-        if (fault == QLatin1String("drop")) {
-            socket->abort();
-            return true;
-        }
-        if (fault == QLatin1String("stall")) {
-            QPointer<QTcpSocket> held(socket);
-            QTimer::singleShot(m_stallMs, socket, [held] {
-                if (held)
-                    held->abort();
-            });
-            return true;
-        }
-        makeResponder(request, socket).write(applyReplyFault(fault, reply).toUtf8(), "text/plain; charset=utf-8");
-        return true;
-    }
-    if (path.startsWith(QLatin1String("/admin/"))) {
-        if (!socket->peerAddress().isLoopback()) {
-            makeResponder(request, socket).write(QHttpServerResponder::StatusCode::Forbidden);
-            return true;
-        }
-        int status = 200;
-        const QString body = admin(request, status);
-        makeResponder(request, socket).write(body.toUtf8(), "application/json", static_cast<QHttpServerResponder::StatusCode>(status));
-        return true;
-    }
-    if (path == QLatin1String("/moorgate/paymoorgate")) {
-        const QString bbid = QString::number(request.query().queryItemValue(QStringLiteral("bbid")).toInt());
-        makeResponder(request, socket).write(
-            QStringLiteral("<html><body><h1>Online payment</h1><p>Property %1: online payment is not taken by this server.</p></body></html>")
-                .arg(bbid)
-                .toUtf8(),
-            "text/html; charset=utf-8");
-        return true;
-    }
-    if (path.startsWith(QLatin1String("/download"))) {
-        download(request, socket);
-        return true;
-    }
-    return false;
+    const QByteArray a = QCryptographicHash::hash(given, QCryptographicHash::Sha256);
+    const QByteArray b = QCryptographicHash::hash(token.toLatin1(), QCryptographicHash::Sha256);
+    unsigned char diff = 0;
+    for (qsizetype i = 0; i < a.size(); ++i)
+        diff |= static_cast<unsigned char>(a[i] ^ b[i]);
+    return diff == 0 && !token.isEmpty();
 }
 
-void HttpFront::download(const QHttpServerRequest &request, QTcpSocket *socket)
+} // namespace
+
+HttpFront::HttpFront(const QString &storePath, QObject *parent) : QObject(parent), m_storePath(storePath) {}
+
+HttpFront::~HttpFront()
 {
-    const QString name = request.url().path().mid(10);
-    const bool description = name == QLatin1String("fenlark.json");
-    const UpgradeRelease release = m_store.offeredUpgrade(!description);
-    if (!release.version.isEmpty() && description) {
-        const QJsonObject offer{{QStringLiteral("version"), release.version},
-                                {QStringLiteral("package"), release.package},
-                                {QStringLiteral("notes"), release.notes}};
-        makeResponder(request, socket).write(QJsonDocument(offer).toJson(QJsonDocument::Compact), "application/json");
+    // The workers end first, so no answer arrives for a connection that is gone.
+    m_workers.reset();
+    const QSet<HttpConnection *> open = std::exchange(m_connections, {});
+    qDeleteAll(open);
+    if (!m_token.isEmpty())
+        QFile::remove(tokenPath(m_storePath));
+}
+
+QString HttpFront::tokenPath(const QString &storePath)
+{
+    return storePath + QStringLiteral(".token");
+}
+
+quint16 HttpFront::listen(const QHostAddress &address, quint16 port)
+{
+    QByteArray random(32, Qt::Uninitialized);
+    QRandomGenerator::system()->fillRange(reinterpret_cast<quint32 *>(random.data()), random.size() / 4);
+    m_token = QString::fromLatin1(random.toHex());
+    QFile file(tokenPath(m_storePath));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)
+        || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) || file.write(m_token.toLatin1()) < 0)
+        return 0;
+    file.close();
+
+    m_workers = std::make_unique<StoreWorkers>(m_storePath, m_workerCount);
+    m_listener = new QTcpServer(this);
+    if (!m_listener->listen(address, port)) {
+        delete m_listener;
+        m_listener = nullptr;
+        return 0;
+    }
+    connect(m_listener, &QTcpServer::newConnection, this, &HttpFront::accept);
+    return m_listener->serverPort();
+}
+
+void HttpFront::accept()
+{
+    while (QTcpSocket *socket = m_listener->nextPendingConnection()) {
+        if (static_cast<int>(m_connections.size()) >= m_maxConnections) {
+            // Room for the newcomer is made by the connection that has waited idle longest.
+            HttpConnection *idlest = nullptr;
+            for (HttpConnection *c : std::as_const(m_connections)) {
+                if (c->isWaiting() && (!idlest || c->idleFor() > idlest->idleFor()))
+                    idlest = c;
+            }
+            if (!idlest) {
+                socket->abort();
+                socket->deleteLater();
+                continue;
+            }
+            idlest->abort();
+        }
+        auto *connection = new HttpConnection(socket, m_limits, *this);
+        connection->setParent(this);
+        m_connections.insert(connection);
+    }
+}
+
+void HttpFront::closed(HttpConnection &connection)
+{
+    m_connections.remove(&connection);
+}
+
+bool HttpFront::holdBodyBytes(qint64 delta, qint64 bodySoFar)
+{
+    if (delta <= 0) {
+        m_heldBodyBytes += delta;
+        return true;
+    }
+    const qint64 budget = bodySoFar > SmallBody ? m_limits.largeBodyBudget : m_limits.bodyBudget;
+    if (m_heldBodyBytes + delta > budget)
+        return false;
+    m_heldBodyBytes += delta;
+    return true;
+}
+
+bool HttpFront::adminAllowed(const HttpRequest &request) const
+{
+    // Only this machine, only a deliberate POST with the token, never a browser's
+    // request on behalf of some page (those carry an Origin).
+    return request.peer.isLoopback() && request.method == "POST" && !request.headers.contains("origin")
+        && sameToken(request.header("x-fenlark-token"), m_token);
+}
+
+void HttpFront::dispatch(HttpConnection &connection, HttpRequest request)
+{
+    const QByteArray path = request.path;
+    if (path == "/moorgate/Synchronisation") {
+        answerSynchronisation(connection, std::move(request));
         return;
     }
-    if (!release.version.isEmpty() && name == release.package) {
-        makeResponder(request, socket).write(release.bytes, "application/vnd.debian.binary-package");
+    if (path.startsWith("/admin/")) {
+        if (!adminAllowed(request)) {
+            HttpResponse refused;
+            refused.status = 403;
+            refused.body = "Admin commands need a POST from this machine with the server's token.";
+            refused.close = true;
+            connection.respond(refused);
+            return;
+        }
+        QPointer<HttpConnection> target(&connection);
+        m_workers->post([this, target, request = std::move(request)](ReferenceServer &store) {
+            const HttpResponse response = answerAdmin(store, request);
+            QMetaObject::invokeMethod(this, [target, response] {
+                if (target)
+                    target->respond(response);
+            }, Qt::QueuedConnection);
+        });
         return;
     }
-    makeResponder(request, socket).write(QByteArray("No such download."), "text/plain", QHttpServerResponder::StatusCode::NotFound);
+    if (path.startsWith("/download/")) {
+        QPointer<HttpConnection> target(&connection);
+        m_workers->post([this, target, request = std::move(request)](ReferenceServer &store) {
+            const HttpResponse response = answerDownload(store, request);
+            QMetaObject::invokeMethod(this, [target, response] {
+                if (target)
+                    target->respond(response);
+            }, Qt::QueuedConnection);
+        });
+        return;
+    }
+    HttpResponse response;
+    if (path == "/moorgate/paymoorgate") {
+        response.contentType = "text/html; charset=utf-8";
+        response.body = QStringLiteral("<html><body><h1>Online payment</h1><p>Property %1: online payment is not taken by this server.</p></body></html>")
+                            .arg(request.text("bbid").toInt())
+                            .toUtf8();
+    } else {
+        response.status = 404;
+        response.body = "Not found.";
+    }
+    connection.respond(response);
 }
 
-void HttpFront::missingHandler(const QHttpServerRequest &request, QTcpSocket *socket)
+void HttpFront::answerSynchronisation(HttpConnection &connection, HttpRequest request)
 {
-    makeResponder(request, socket).write(QHttpServerResponder::StatusCode::NotFound);
+    const QString address = request.peer.toString();
+    const qint64 waitMs = m_throttle.waitFor(address);
+    if (waitMs > 0) {
+        HttpResponse slowed;
+        slowed.body = jsonFailure(QStringLiteral("429"), QStringLiteral("Too many failed log-ons from this address: try again in %1 seconds.")
+                                                             .arg((waitMs + 999) / 1000));
+        connection.respond(slowed);
+        return;
+    }
+    QPointer<HttpConnection> target(&connection);
+    const int stallMs = m_stallMs;
+    m_workers->post([this, target, address, stallMs, request = std::move(request)](ReferenceServer &store) {
+        const SynchAnswer answer = synchronisationAnswer(store, request);
+        QMetaObject::invokeMethod(this, [this, target, address, stallMs, answer] {
+            if (answer.login == SynchAnswer::Login::Failed)
+                m_throttle.failed(address);
+            else if (answer.login == SynchAnswer::Login::Succeeded)
+                m_throttle.succeeded(address);
+            if (!target)
+                return;
+            if (answer.fault == QLatin1String("drop"))
+                target->abort();
+            else if (answer.fault == QLatin1String("stall"))
+                target->stall(stallMs);
+            else
+                target->respond(answer.response);
+        }, Qt::QueuedConnection);
+    });
 }
 
 } // namespace fenlark::server

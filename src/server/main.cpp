@@ -7,7 +7,10 @@
 #include <QHash>
 #include <QHostAddress>
 
+#include <algorithm>
 #include <cstdio>
+
+#include <sys/resource.h>
 
 using namespace fenlark;
 using namespace fenlark::server;
@@ -18,8 +21,9 @@ int usage()
 {
     std::fprintf(stderr,
                  "usage: fenlark-server COMMAND --db FILE [options]\n\n"
-                 "  serve [--port N] [--host ADDRESS] [--seed DESKDB] [--stall-ms N]\n"
-                 "                        answer the desk's synchronisation on HTTP (prints \"listening on PORT\")\n"
+                 "  serve [--port N] [--host ADDRESS] [--seed DESKDB] [--stall-ms N] [--workers N]\n"
+                 "                        answer the desk's synchronisation on HTTP (prints \"listening on PORT\");\n"
+                 "                        admin commands (POST /admin/...) need the token it writes to FILE.token\n"
                  "  create-property --bbid N --password P [--name NAME]\n"
                  "  seed --desk DESKDB    the property and setup tables of a desk database\n"
                  "  add-booking --bbid N --room R [--from yyyy-MM-dd] [--nights N] [--surname S] [--rate X]\n"
@@ -56,6 +60,21 @@ Options parse(const QStringList &args)
     return o;
 }
 
+// As many connections as the process may hold files, less a margin for its own;
+// the soft limit is raised to the hard one first.
+int connectionCap()
+{
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return 900;
+    if (limit.rlim_cur < limit.rlim_max) {
+        limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 65536);
+        setrlimit(RLIMIT_NOFILE, &limit);
+        getrlimit(RLIMIT_NOFILE, &limit);
+    }
+    return static_cast<int>(std::clamp<rlim_t>(limit.rlim_cur, 128, 10064) - 64);
+}
+
 void print(const QString &text)
 {
     std::fprintf(stdout, "%s\n", qUtf8Printable(text));
@@ -79,11 +98,14 @@ int main(int argc, char *argv[])
         ReferenceServer store(path);
         const qint32 bbid = o.value("bbid").toInt();
         if (command == QLatin1String("serve")) {
+            // Committed before the first connection is taken.
             if (!o.value("seed").isEmpty())
                 store.seedFromDesk(o.value("seed"));
-            HttpFront front(store);
+            HttpFront front(path);
             if (!o.value("stall-ms").isEmpty())
                 front.setStallMs(o.value("stall-ms").toInt());
+            front.setWorkers(std::max(1, o.value("workers", QStringLiteral("2")).toInt()));
+            front.setMaxConnections(connectionCap());
             const QHostAddress host(o.value("host", QStringLiteral("127.0.0.1")));
             const quint16 port = front.listen(host, static_cast<quint16>(o.value("port", QStringLiteral("0")).toUInt()));
             if (port == 0) {

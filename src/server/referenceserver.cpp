@@ -95,12 +95,17 @@ ReferenceServer::ReferenceServer(const QString &path, const QString &connectionN
     m_db.setDatabaseName(path);
     if (!m_db.open())
         throw ServerError(QStringLiteral("cannot open %1: %2").arg(path, m_db.lastError().text()));
-    exec(QStringLiteral("pragma busy_timeout = 5000"));
-    // A commit per exchange: the write-ahead log keeps that to one write, not a
-    // journal file made and removed each time.
-    exec(QStringLiteral("pragma journal_mode = wal"));
-    exec(QStringLiteral("pragma synchronous = normal"));
-    exec(QStringLiteral("pragma cache_size = -32768"));
+    {
+        // Settings of the connection, run once and let go: a statement kept with an
+        // unread row would hold every later write uncommitted.
+        QSqlQuery pragma(m_db);
+        pragma.exec(QStringLiteral("pragma busy_timeout = 5000"));
+        // A commit per exchange: the write-ahead log keeps that to one write, not a
+        // journal file made and removed each time.
+        pragma.exec(QStringLiteral("pragma journal_mode = wal"));
+        pragma.exec(QStringLiteral("pragma synchronous = normal"));
+        pragma.exec(QStringLiteral("pragma cache_size = -32768"));
+    }
     exec(QStringLiteral("create table if not exists property (bbid integer primary key, password text not null, "
                         "name text not null default '', synchcounter integer not null default 1, lastupdated text)"));
     exec(QStringLiteral("create table if not exists setup (bbid integer not null, tablename text not null, rows text not null, "
@@ -142,6 +147,8 @@ QSqlQuery &ReferenceServer::exec(const QString &sql, const QVariantList &values)
         q.bindValue(i, values.at(i));
     if (!q.exec())
         throw ServerError(q.lastError().text() + QStringLiteral(" [") + sql + QLatin1Char(']'));
+    // Callers finish their reads: a statement left with unread rows would hold a
+    // read transaction open.
     return q;
 }
 
@@ -186,11 +193,19 @@ const QStringList &ReferenceServer::faultNames()
     return names;
 }
 
+QString ReferenceServer::wireForm(const QString &password)
+{
+    QString out(password.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < password.size(); ++i)
+        out[i] = QChar(password[i].unicode() & 0xFF);
+    return out;
+}
+
 bool ReferenceServer::authenticate(qint32 bbid, const QString &password)
 {
     const QVariant stored = scalar(QStringLiteral("select password from property where bbid = ?"), {bbid});
     // Compare against something even for an unknown property, to keep the time the same.
-    return samePassword(stored.isValid() ? stored.toString() : QStringLiteral("\x01unknown"), password) && stored.isValid();
+    return samePassword(stored.isValid() ? wireForm(stored.toString()) : QStringLiteral("\x01unknown"), password) && stored.isValid();
 }
 
 // ------------------------------------------------------------------ setup
@@ -227,30 +242,38 @@ qint32 ReferenceServer::seedFromDesk(const QString &deskDatabasePath)
         if (!setup.exec(QStringLiteral("select BBID, Password, BBName from bbsetup")) || !setup.next())
             throw ServerError(QStringLiteral("the desk database has no property (bbsetup is empty)"));
         bbid = setup.value(0).toInt();
-        createProperty(bbid, setup.value(1).toString(), setup.value(2).toString());
-        for (const QString &table : Schema::serverTables()) {
-            QSqlQuery q(desk);
-            if (!q.exec(QStringLiteral("select * from ") + table))
-                continue;
-            auto rows = std::make_shared<JsonArray>();
-            while (q.next()) {
-                auto row = std::make_shared<JsonObject>();
-                const QSqlRecord r = q.record();
-                for (int i = 0; i < r.count(); ++i)
-                    row->add(r.fieldName(i).toLower(), JsonValue::fromVariant(r.value(i)));
-                rows->append(JsonValue(row));
+        // The seed is committed whole before the server answers anyone.
+        begin();
+        try {
+            createProperty(bbid, setup.value(1).toString(), setup.value(2).toString());
+            for (const QString &table : Schema::serverTables()) {
+                QSqlQuery q(desk);
+                if (!q.exec(QStringLiteral("select * from ") + table))
+                    continue;
+                auto rows = std::make_shared<JsonArray>();
+                while (q.next()) {
+                    auto row = std::make_shared<JsonObject>();
+                    const QSqlRecord r = q.record();
+                    for (int i = 0; i < r.count(); ++i)
+                        row->add(r.fieldName(i).toLower(), JsonValue::fromVariant(r.value(i)));
+                    rows->append(JsonValue(row));
+                }
+                setSetupTable(bbid, table, JsonValue(rows));
             }
-            setSetupTable(bbid, table, JsonValue(rows));
+            // Rows the desk already holds under server ids (a demo, a copied database) must
+            // never meet a new row of this server under the same id.
+            qint64 highest = 0;
+            for (const QString &table : Schema::sharedTables()) {
+                QSqlQuery q(desk);
+                if (q.exec(QStringLiteral("select max(%1) from %2").arg(serverKeyOf(table), table)) && q.next())
+                    highest = std::max(highest, q.value(0).toLongLong());
+            }
+            reserveIdsUpTo(highest);
+            commit();
+        } catch (...) {
+            rollback();
+            throw;
         }
-        // Rows the desk already holds under server ids (a demo, a copied database) must
-        // never meet a new row of this server under the same id.
-        qint64 highest = 0;
-        for (const QString &table : Schema::sharedTables()) {
-            QSqlQuery q(desk);
-            if (q.exec(QStringLiteral("select max(%1) from %2").arg(serverKeyOf(table), table)) && q.next())
-                highest = std::max(highest, q.value(0).toLongLong());
-        }
-        reserveIdsUpTo(highest);
         desk.close();
     }
     QSqlDatabase::removeDatabase(name);
@@ -297,6 +320,7 @@ QString ReferenceServer::handleSetup(qint32 bbid, const QString &password, const
     p.next();
     const qint32 counter = p.value(0).toInt();
     const QString lastUpdated = p.value(1).toString();
+    p.finish();
     if (pcSynchCounter.trimmed() == QString::number(counter)) {
         reply->add(QStringLiteral("synconly"), JsonValue(counter));
         return json::toString(JsonValue(reply));
@@ -315,6 +339,7 @@ QString ReferenceServer::handleSetup(qint32 bbid, const QString &password, const
         }
         data->add(table, rows);
     }
+    q.finish();
     reply->add(QStringLiteral("data"), JsonValue(data));
     return json::toString(JsonValue(reply));
 }
@@ -388,6 +413,7 @@ QList<qint32> ReferenceServer::tableIds(qint32 bbid, const QString &table)
     QSqlQuery &q = exec(QStringLiteral("select tableid from record where bbid = ? and tablename = ? order by tableid"), {bbid, table});
     while (q.next())
         ids << q.value(0).toInt();
+    q.finish();
     return ids;
 }
 
@@ -441,6 +467,7 @@ void ReferenceServer::resolveReferences(qint32 bbid, JsonArray &requests, QSet<Q
     std::vector<std::tuple<qint32, QString, QString>> rows;
     while (q.next())
         rows.emplace_back(q.value(0).toInt(), q.value(1).toString(), q.value(2).toString());
+    q.finish();
     for (const auto &[tableId, table, text] : rows) {
         JsonValue data = json::parse(text);
         if (!data.isObject())
@@ -504,6 +531,18 @@ QString ReferenceServer::handlePcSynch(qint32 bbid, const QString &password, con
     const JsonValue data = parsed[QStringLiteral("data")];
     if (!data.isObject())
         return failReply(QStringLiteral("400"), QStringLiteral("The message could not be read"));
+
+    // A deletion must name the PC's key: without one it would meet whichever row
+    // still waits for its key. Such a message is refused whole.
+    const JsonValue sent = data[QStringLiteral("logupdates")];
+    if (sent.isArray()) {
+        for (const JsonValue &update : *sent.array()) {
+            bool ok = false;
+            const qint32 localId = update[QStringLiteral("bbtableid")].toInt(&ok);
+            if (update[QStringLiteral("logtype")].toText() == QLatin1String("D") && (!ok || localId <= 0))
+                return failReply(QStringLiteral("400"), QStringLiteral("A deletion without a local key"));
+        }
+    }
 
     auto acknowledgements = std::make_shared<JsonArray>();
     auto requests = std::make_shared<JsonArray>();
@@ -581,6 +620,7 @@ QString ReferenceServer::handlePcSynch(qint32 bbid, const QString &password, con
         std::vector<std::tuple<qint32, QString, qint32, QString>> pending;
         while (out.next())
             pending.emplace_back(out.value(0).toInt(), out.value(1).toString(), out.value(2).toInt(), out.value(3).toString());
+        out.finish();
         for (const auto &[id, table, tableId, logType] : pending) {
             const JsonValue entry = recordEntry(bbid, table, tableId, logType, id);
             if (entry.isNothing())

@@ -66,7 +66,11 @@ public:
     QString handlePcSynch(qint32 bbid, const QString &password, const QString &message);
     // "upgrade": "OK" when a release is on offer to this property, else the reason.
     QString handleUpgrade(qint32 bbid, const QString &password);
+    // The password arguments of the protocol are as the desk puts them on the wire,
+    // URL-encoded by the low byte of each character and decoded here to those bytes
+    // (one character each); a stored password is compared in that same form.
     bool authenticate(qint32 bbid, const QString &password);
+    static QString wireForm(const QString &password);
 
     // --- administration
     void createProperty(qint32 bbid, const QString &password, const QString &name);

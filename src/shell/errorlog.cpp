@@ -4,8 +4,31 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 
 namespace fenlark {
+
+namespace {
+
+// The message as one line of at most MaxMessageBytes, cut on a character boundary.
+QByteArray oneLine(const QString &text)
+{
+    QString flat = text;
+    flat.replace(QLatin1String("\r\n"), QLatin1String(" "));
+    flat.replace(QLatin1Char('\r'), QLatin1Char(' '));
+    flat.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    QByteArray bytes = flat.left(ErrorLog::MaxMessageBytes).toUtf8();
+    if (bytes.size() > ErrorLog::MaxMessageBytes) {
+        qsizetype cut = ErrorLog::MaxMessageBytes;
+        // Step back over continuation bytes to the start of the character that would be split.
+        while (cut > 0 && (static_cast<unsigned char>(bytes[cut]) & 0xC0) == 0x80)
+            --cut;
+        bytes.truncate(cut);
+    }
+    return bytes + '\n';
+}
+
+} // namespace
 
 QString ErrorLog::path()
 {
@@ -14,12 +37,22 @@ QString ErrorLog::path()
 
 void ErrorLog::write(const QString &text)
 {
-    QFile file(path());
-    if (!file.open(QIODevice::Append | QIODevice::Text))
+    appendLine(path(), QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss ")) + text);
+}
+
+void ErrorLog::appendLine(const QString &filePath, const QString &text)
+{
+    const QByteArray line = oneLine(text);
+    const QFileInfo info(filePath);
+    if (info.exists() && info.size() + line.size() > MaxFileBytes) {
+        const QString older = filePath + QStringLiteral(".1");
+        QFile::remove(older);
+        QFile::rename(filePath, older);
+    }
+    QFile file(filePath);
+    if (!file.open(QIODevice::Append))
         return;
-    file.write(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss ")).toUtf8());
-    file.write(text.toUtf8());
-    file.write("\n");
+    file.write(line);
 }
 
 } // namespace fenlark

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
+#include <unordered_map>
 
 namespace fenlark {
 
@@ -26,14 +28,97 @@ JsonValue JsonValue::empty()
     return v;
 }
 
-JsonValue::JsonValue(bool value) : m_kind(Boolean), m_bool(value) {}
-JsonValue::JsonValue(qint32 value) : m_kind(Integer), m_int(value) {}
-JsonValue::JsonValue(double value) : m_kind(Double), m_double(value) {}
+JsonValue::JsonValue(bool value) : m_kind(Boolean), m_boolean(value) {}
+JsonValue::JsonValue(qint32 value) : m_kind(Integer), m_integer(value) {}
+JsonValue::JsonValue(double value) : m_kind(Double), m_real(value) {}
 JsonValue::JsonValue(const QString &text) : m_kind(Text), m_text(text) {}
 JsonValue::JsonValue(const char *text) : m_kind(Text), m_text(QString::fromUtf8(text)) {}
-JsonValue::JsonValue(const QDateTime &value) : m_kind(DateTime), m_dateTime(value) {}
-JsonValue::JsonValue(std::shared_ptr<JsonObject> object) : m_kind(Object), m_object(std::move(object)) {}
-JsonValue::JsonValue(std::shared_ptr<JsonArray> array) : m_kind(Array), m_array(std::move(array)) {}
+
+JsonValue::JsonValue(const QDateTime &value)
+    : m_kind(DateTime), m_text(value.time() == QTime(0, 0) ? value.date().toString(QStringLiteral("yyyy-MM-dd"))
+                                                           : value.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
+{
+}
+
+JsonValue::JsonValue(std::shared_ptr<JsonObject> object) : m_kind(Object), m_node(std::move(object)) {}
+JsonValue::JsonValue(std::shared_ptr<JsonArray> array) : m_kind(Array), m_node(std::move(array)) {}
+
+JsonValue::JsonValue(const JsonValue &other) : m_kind(other.m_kind)
+{
+    copyFrom(other);
+}
+
+JsonValue::JsonValue(JsonValue &&other) noexcept : m_kind(other.m_kind)
+{
+    moveFrom(other);
+}
+
+JsonValue &JsonValue::operator=(const JsonValue &other)
+{
+    if (this != &other) {
+        JsonValue copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+JsonValue &JsonValue::operator=(JsonValue &&other) noexcept
+{
+    if (this != &other) {
+        release();
+        m_kind = other.m_kind;
+        moveFrom(other);
+    }
+    return *this;
+}
+
+JsonValue::~JsonValue()
+{
+    release();
+}
+
+void JsonValue::copyNumber(const JsonValue &other) noexcept
+{
+    switch (m_kind) {
+    case Boolean: m_boolean = other.m_boolean; break;
+    case Integer: m_integer = other.m_integer; break;
+    case Double: m_real = other.m_real; break;
+    default: m_real = 0;
+    }
+}
+
+void JsonValue::copyFrom(const JsonValue &other)
+{
+    if (holdsText())
+        new (&m_text) QString(other.m_text);
+    else if (holdsNode())
+        new (&m_node) std::shared_ptr<void>(other.m_node);
+    else
+        copyNumber(other);
+}
+
+void JsonValue::moveFrom(JsonValue &other) noexcept
+{
+    if (holdsText())
+        new (&m_text) QString(std::move(other.m_text));
+    else if (holdsNode())
+        new (&m_node) std::shared_ptr<void>(std::move(other.m_node));
+    else
+        copyNumber(other);
+    other.release();
+    other.m_kind = Nothing;
+    other.m_real = 0;
+}
+
+void JsonValue::release() noexcept
+{
+    if (holdsText())
+        m_text.~QString();
+    else if (holdsNode())
+        m_node.~shared_ptr();
+    m_kind = Nothing;
+    m_real = 0;
+}
 
 JsonValue JsonValue::newObject()
 {
@@ -80,9 +165,9 @@ JsonValue JsonValue::fromVariant(const QVariant &value)
 bool JsonValue::toBool() const
 {
     switch (m_kind) {
-    case Boolean: return m_bool;
-    case Integer: return m_int != 0;
-    case Double: return m_double != 0;
+    case Boolean: return m_boolean;
+    case Integer: return m_integer != 0;
+    case Double: return m_real != 0;
     case Text: return m_text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0 || m_text == QLatin1String("1");
     default: return false;
     }
@@ -93,15 +178,16 @@ qint32 JsonValue::toInt(bool *ok) const
     bool good = true;
     qint32 result = 0;
     switch (m_kind) {
-    case Integer: result = m_int; break;
-    case Boolean: result = m_bool ? 1 : 0; break;
-    case Double:
-        if (std::isfinite(m_double) && m_double >= std::numeric_limits<qint32>::min()
-            && m_double <= std::numeric_limits<qint32>::max())
-            result = static_cast<qint32>(std::llround(m_double));
+    case Integer: result = m_integer; break;
+    case Boolean: result = m_boolean ? 1 : 0; break;
+    case Double: {
+        const double d = m_real;
+        if (std::isfinite(d) && d >= std::numeric_limits<qint32>::min() && d <= std::numeric_limits<qint32>::max())
+            result = static_cast<qint32>(std::llround(d));
         else
             good = false;
         break;
+    }
     case Text: {
         const qlonglong n = m_text.trimmed().toLongLong(&good);
         good = good && n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max();
@@ -120,9 +206,9 @@ double JsonValue::toDouble(bool *ok) const
     bool good = true;
     double result = 0;
     switch (m_kind) {
-    case Integer: result = m_int; break;
-    case Double: result = m_double; break;
-    case Boolean: result = m_bool ? 1 : 0; break;
+    case Integer: result = m_integer; break;
+    case Double: result = m_real; break;
+    case Boolean: result = m_boolean ? 1 : 0; break;
     case Text: result = m_text.trimmed().toDouble(&good); break;
     default: good = false;
     }
@@ -151,11 +237,11 @@ QString doubleText(double d)
 QString JsonValue::toText() const
 {
     switch (m_kind) {
-    case Text: return m_text;
-    case Integer: return QString::number(m_int);
-    case Double: return doubleText(m_double);
-    case Boolean: return m_bool ? QStringLiteral("true") : QStringLiteral("false");
-    case DateTime: return json::toString(*this).remove(QLatin1Char('"'));
+    case Text:
+    case DateTime: return m_text;
+    case Integer: return QString::number(m_integer);
+    case Double: return doubleText(m_real);
+    case Boolean: return m_boolean ? QStringLiteral("true") : QStringLiteral("false");
     default: return QString();
     }
 }
@@ -163,11 +249,11 @@ QString JsonValue::toText() const
 QVariant JsonValue::toVariant() const
 {
     switch (m_kind) {
-    case Integer: return m_int;
-    case Double: return std::isfinite(m_double) ? QVariant(m_double) : QVariant(QMetaType(QMetaType::Double));
-    case Boolean: return m_bool ? 1 : 0;
-    case Text: return m_text;
-    case DateTime: return toText();
+    case Integer: return m_integer;
+    case Double: return std::isfinite(m_real) ? QVariant(m_real) : QVariant(QMetaType(QMetaType::Double));
+    case Boolean: return m_boolean ? 1 : 0;
+    case Text:
+    case DateTime: return m_text;
     case Null: return QVariant(QMetaType(QMetaType::QString));
     default: return QVariant();
     }
@@ -175,44 +261,68 @@ QVariant JsonValue::toVariant() const
 
 JsonValue JsonValue::operator[](const QString &key) const
 {
-    return m_object ? m_object->value(key) : JsonValue();
+    const JsonObject *o = object();
+    return o ? o->value(key) : JsonValue();
 }
 
 // ---------------------------------------------------------------- JsonObject
 
+int JsonObject::indexOf(const QString &key) const
+{
+    if (!m_index.isEmpty())
+        return m_index.value(key, -1);
+    for (int i = 0; i < static_cast<int>(m_entries.size()); ++i) {
+        if (m_entries[i].first == key)
+            return i;
+    }
+    return -1;
+}
+
+void JsonObject::buildIndex()
+{
+    m_index.clear();
+    if (static_cast<int>(m_entries.size()) < IndexFrom)
+        return;
+    m_index.reserve(static_cast<qsizetype>(m_entries.size()) * 2);
+    for (int i = 0; i < static_cast<int>(m_entries.size()); ++i)
+        m_index.insert(m_entries[i].first, i);
+}
+
 bool JsonObject::add(const QString &key, const JsonValue &value)
 {
-    if (m_index.contains(key))
+    if (indexOf(key) >= 0)
         return false;
-    m_index.insert(key, static_cast<int>(m_entries.size()));
     m_entries.emplace_back(key, value);
+    const int at = static_cast<int>(m_entries.size()) - 1;
+    if (!m_index.isEmpty())
+        m_index.insert(key, at);
+    else if (at + 1 >= IndexFrom)
+        buildIndex();
     return true;
 }
 
 void JsonObject::set(const QString &key, const JsonValue &value)
 {
-    const auto it = m_index.constFind(key);
-    if (it != m_index.constEnd())
-        m_entries[*it].second = value;
+    const int at = indexOf(key);
+    if (at >= 0)
+        m_entries[at].second = value;
     else
         add(key, value);
 }
 
 JsonValue JsonObject::value(const QString &key) const
 {
-    const auto it = m_index.constFind(key);
-    return it == m_index.constEnd() ? JsonValue() : m_entries[*it].second;
+    const int at = indexOf(key);
+    return at < 0 ? JsonValue() : m_entries[at].second;
 }
 
 void JsonObject::remove(const QString &key)
 {
-    const auto it = m_index.constFind(key);
-    if (it == m_index.constEnd())
+    const int at = indexOf(key);
+    if (at < 0)
         return;
-    m_entries.erase(m_entries.begin() + *it);
-    m_index.clear();
-    for (int i = 0; i < static_cast<int>(m_entries.size()); ++i)
-        m_index.insert(m_entries[i].first, i);
+    m_entries.erase(m_entries.begin() + at);
+    buildIndex();
 }
 
 QStringList JsonObject::keys() const
@@ -235,17 +345,50 @@ struct ValueFailure {
     QString text;
 };
 
+// A text past MaxValues: the whole parse is abandoned.
+struct TooManyValues {};
+
+// Texts that recur throughout a reply (keys, table names, "U", "Y") are kept once
+// and shared, so a reply of many small rows costs little more than its rows.
+class TextPool {
+public:
+    QString get(QStringView text)
+    {
+        const std::u16string_view key(reinterpret_cast<const char16_t *>(text.utf16()), static_cast<std::size_t>(text.size()));
+        const auto it = m_texts.find(key);
+        if (it != m_texts.end())
+            return it->second;
+        QString kept = text.toString();
+        if (m_texts.size() < MaxPooled)
+            m_texts.emplace(std::u16string_view(reinterpret_cast<const char16_t *>(kept.utf16()), static_cast<std::size_t>(kept.size())), kept);
+        return kept;
+    }
+
+private:
+    static constexpr std::size_t MaxPooled = 4096;
+    // The views point into the QString beside them, which keeps its text alive.
+    std::unordered_map<std::u16string_view, QString> m_texts;
+};
+
 class Parser {
 public:
-    explicit Parser(const QString &text) : m_text(text), m_data(text.constData()), m_size(text.size()) {}
+    Parser(const QString &text, qsizetype maxValues)
+        : m_text(text), m_data(reinterpret_cast<const char16_t *>(text.utf16())), m_size(text.size()), m_maxValues(maxValues)
+    {
+    }
 
     JsonValue parseTop()
     {
         skipChar();
-        if (m_pos < m_size && at() == u'{')
-            return parseObject();
-        if (m_pos < m_size && at() == u'[')
-            return parseArray();
+        try {
+            if (m_pos < m_size && at() == u'{')
+                return parseObject();
+            if (m_pos < m_size && at() == u'[')
+                return parseArray();
+        } catch (const TooManyValues &) {
+            noteError(QStringLiteral("More than %1 values: the text is refused whole\r\n").arg(m_maxValues));
+            return JsonValue();
+        }
         m_errors = QStringLiteral("Invalid JSON");
         return JsonValue();
     }
@@ -253,17 +396,35 @@ public:
     QString errors() const { return m_errors; }
 
 private:
-    QChar at() const { return m_data[m_pos]; }
+    static constexpr qsizetype ExcerptLength = 40;
+    static constexpr qsizetype PooledLength = 16;
+
+    char16_t at() const { return m_data[m_pos]; }
     bool atEnd() const { return m_pos >= m_size; }
-    QString remainder(qsizetype length = -1) const { return m_text.mid(m_pos, length); }
+    QString excerpt(qsizetype length = ExcerptLength) const { return m_text.mid(m_pos, std::min(length, ExcerptLength)); }
     QString position() const { return QString::number(m_pos + 1); }
+
+    void noteError(const QString &text)
+    {
+        if (m_errors.size() < MaxErrorText)
+            m_errors += text.left(MaxErrorText - m_errors.size());
+    }
+
+    void countValue()
+    {
+        if (++m_values > m_maxValues)
+            throw TooManyValues{};
+    }
 
     // Steps over blanks, tabs, line ends, parentheses and both kinds of comment.
     void skipChar()
     {
+        // Most tokens follow one another with nothing between.
+        if (m_pos < m_size && m_data[m_pos] > u'/' && m_data[m_pos] != u'*')
+            return;
         bool startComment = false, inComment = false, longComment = false;
         while (m_pos < m_size) {
-            const char16_t c = at().unicode();
+            const char16_t c = m_data[m_pos];
             switch (c) {
             case u'\r':
             case u'\n':
@@ -321,15 +482,15 @@ private:
 
     // Steps over the opening bracket of an object or array; false (with the
     // error noted) when it is missing or the nesting is too deep.
-    bool openContainer(QChar open, const QString &kind, qsizetype shownLength)
+    bool openContainer(char16_t open, const QString &kind, qsizetype shownLength)
     {
         skipChar();
         if (atEnd() || at() != open) {
-            m_errors += QStringLiteral("Invalid %1 at position %2 : %3\r\n").arg(kind, position(), remainder(shownLength));
+            noteError(QStringLiteral("Invalid %1 at position %2 : %3\r\n").arg(kind, position(), excerpt(shownLength)));
             return false;
         }
         if (!enter()) {
-            m_errors += QStringLiteral("Nesting too deep at position %1\r\n").arg(position());
+            noteError(QStringLiteral("Nesting too deep at position %1\r\n").arg(position()));
             m_pos = m_size;
             return false;
         }
@@ -339,11 +500,11 @@ private:
 
     // Moves to the next member of an object or array: false at the closing
     // bracket or at the end of the text (noted as an error).
-    bool nextMember(QChar close, const QString &kind)
+    bool nextMember(char16_t close, const QString &kind)
     {
         skipChar();
         if (atEnd()) {
-            m_errors += QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(kind, position());
+            noteError(QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(kind, position()));
             return false;
         }
         if (at() == close) {
@@ -354,7 +515,7 @@ private:
             ++m_pos;
             skipChar();
             if (atEnd()) {
-                m_errors += QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(kind, position());
+                noteError(QStringLiteral("Unexpected end of text in %1 at position %2\r\n").arg(kind, position()));
                 return false;
             }
         }
@@ -365,19 +526,25 @@ private:
     {
         auto object = std::make_shared<JsonObject>();
         JsonValue result(object);
-        if (!openContainer(u'{', QStringLiteral("Object"), -1))
+        if (!openContainer(u'{', QStringLiteral("Object"), ExcerptLength))
             return result;
         while (nextMember(u'}', QStringLiteral("object"))) {
+            const qsizetype before = m_pos;
             const QString key = parseKey();
             try {
                 const JsonValue value = parseValue();
                 if (!object->add(key, value))
                     throw ValueFailure{QStringLiteral("This key is already associated with an element of this collection")};
             } catch (const ValueFailure &failure) {
-                m_errors += failure.text + QStringLiteral(": ") + key + QStringLiteral("\r\n");
+                noteError(failure.text + QStringLiteral(": ") + key.left(ExcerptLength) + QStringLiteral("\r\n"));
+                break;
+            }
+            if (m_pos == before) {
+                noteError(QStringLiteral("Unreadable member at position %1 : %2\r\n").arg(position(), excerpt()));
                 break;
             }
         }
+        object->squeeze();
         --m_depth;
         return result;
     }
@@ -393,12 +560,12 @@ private:
             try {
                 array->append(parseValue());
             } catch (const ValueFailure &failure) {
-                m_errors += failure.text + QStringLiteral(": ") + remainder(20) + QStringLiteral("\r\n");
+                noteError(failure.text + QStringLiteral(": ") + excerpt(20) + QStringLiteral("\r\n"));
                 break;
             }
             if (m_pos == before) {
                 // A value that could not be read at all: stop rather than read it forever.
-                m_errors += QStringLiteral("Unreadable value at position %1 : %2\r\n").arg(position(), remainder(20));
+                noteError(QStringLiteral("Unreadable value at position %1 : %2\r\n").arg(position(), excerpt(20)));
                 break;
             }
         }
@@ -408,10 +575,11 @@ private:
 
     JsonValue parseValue()
     {
+        countValue();
         skipChar();
         if (atEnd())
             return parseNumber();
-        switch (at().unicode()) {
+        switch (at()) {
         case u'{': return parseObject();
         case u'[': return parseArray();
         case u'"':
@@ -434,29 +602,46 @@ private:
         return -1;
     }
 
+    QString slice(qsizetype from, qsizetype to)
+    {
+        const QStringView view(m_data + from, to - from);
+        return view.size() <= PooledLength ? m_pool.get(view) : view.toString();
+    }
+
     QString parseString()
     {
         skipChar();
-        QString out;
         if (atEnd())
-            return out;
-        const QChar quote = at();
+            return QString();
+        const char16_t quote = at();
         ++m_pos;
+        // Most strings hold no escape: take them in one piece.
+        const char16_t *p = m_data + m_pos;
+        const char16_t *const end = m_data + m_size;
+        while (p != end && *p != quote && *p != u'\\')
+            ++p;
+        if (p != end && *p == quote) {
+            QString out = slice(m_pos, p - m_data);
+            m_pos = p - m_data + 1;
+            return out;
+        }
+        QString out;
+        out.reserve(p - m_data - m_pos + 16);
         while (m_pos < m_size) {
-            const QChar c = at();
+            const char16_t c = at();
             if (c == quote) {
                 ++m_pos;
                 return out;
             }
             if (c != u'\\') {
-                out += c;
+                out += QChar(c);
                 ++m_pos;
                 continue;
             }
             ++m_pos;
             if (atEnd())
                 break;
-            const char16_t e = at().unicode();
+            const char16_t e = at();
             switch (e) {
             case u'"':
             case u'\\':
@@ -473,7 +658,7 @@ private:
                 char16_t code = 0;
                 bool digits = true;
                 for (int i = 0; i < 4 && m_pos < m_size; ++i, ++m_pos) {
-                    const int d = hexDigit(at().unicode());
+                    const int d = hexDigit(at());
                     if (d < 0)
                         digits = false;
                     if (digits)
@@ -496,7 +681,7 @@ private:
         const qsizetype start = m_pos;
         bool isDouble = false;
         while (m_pos < m_size) {
-            const char16_t c = at().unicode();
+            const char16_t c = at();
             if ((c >= u'0' && c <= u'9') || c == u'+' || c == u'-')
                 ++m_pos;
             else if (c == u'.' || c == u'e' || c == u'E') {
@@ -507,33 +692,35 @@ private:
         }
         if (atEnd())
             return JsonValue::empty();
-        const QString token = m_text.mid(start, m_pos - start);
-        if (isDouble)
-            return JsonValue(lenientDouble(token));
-        bool ok = false;
-        const qlonglong n = token.toLongLong(&ok);
-        if (!ok) {
-            const bool allDigits = !token.isEmpty()
-                && std::all_of(token.begin() + ((token[0] == u'-' || token[0] == u'+') ? 1 : 0), token.end(),
-                               [](QChar c) { return c.isDigit(); })
-                && token.size() > 1;
-            throw ValueFailure{allDigits ? QStringLiteral("Overflow") : QStringLiteral("Type mismatch")};
+        const QStringView token(m_data + start, m_pos - start);
+        if (isDouble) {
+            // One whole number and a finite one: "1e999", "1.5.5e3" or "1e" is no number at all.
+            bool ok = false;
+            const double d = token.toDouble(&ok);
+            if (!ok || !std::isfinite(d))
+                throw ValueFailure{QStringLiteral("Invalid number ") + token.left(ExcerptLength).toString()};
+            return JsonValue(d);
         }
+        qsizetype i = 0;
+        const bool negative = !token.isEmpty() && token[0] == u'-';
+        if (!token.isEmpty() && (token[0] == u'-' || token[0] == u'+'))
+            ++i;
+        if (i == token.size())
+            throw ValueFailure{QStringLiteral("Type mismatch")};
+        qint64 n = 0;
+        for (; i < token.size(); ++i) {
+            const char16_t c = token[i].unicode();
+            if (c < u'0' || c > u'9')
+                throw ValueFailure{QStringLiteral("Type mismatch")};
+            n = n * 10 + (c - u'0');
+            if (n > qint64(std::numeric_limits<qint32>::max()) + 1)
+                throw ValueFailure{QStringLiteral("Overflow")};
+        }
+        if (negative)
+            n = -n;
         if (n > std::numeric_limits<qint32>::max() || n < std::numeric_limits<qint32>::min())
             throw ValueFailure{QStringLiteral("Overflow")};
         return JsonValue(static_cast<qint32>(n));
-    }
-
-    // The longest leading part that reads as a number; 0 when none does.
-    static double lenientDouble(const QString &token)
-    {
-        for (qsizetype length = token.size(); length > 0; --length) {
-            bool ok = false;
-            const double d = QStringView(token).left(length).toDouble(&ok);
-            if (ok)
-                return std::isfinite(d) ? d : 0.0;
-        }
-        return 0.0;
     }
 
     JsonValue parseBoolean()
@@ -546,7 +733,7 @@ private:
             m_pos += 5;
             return JsonValue(false);
         }
-        m_errors += QStringLiteral("Invalid Boolean at position %1 : %2\r\n").arg(position(), remainder());
+        noteError(QStringLiteral("Invalid Boolean at position %1 : %2\r\n").arg(position(), excerpt()));
         return JsonValue(false);
     }
 
@@ -556,17 +743,38 @@ private:
             m_pos += 4;
             return JsonValue::null();
         }
-        m_errors += QStringLiteral("Invalid null value at position %1 : %2\r\n").arg(position(), remainder());
+        noteError(QStringLiteral("Invalid null value at position %1 : %2\r\n").arg(position(), excerpt()));
         return JsonValue::empty();
     }
+
+    static bool isKeyBlank(char16_t c) { return c == u'\r' || c == u'\n' || c == u'\t' || c == u' '; }
 
     QString parseKey()
     {
         skipChar();
+        // The usual key: double-quoted, no blank inside, then the colon.
+        if (m_pos < m_size && at() == u'"') {
+            qsizetype end = m_pos + 1;
+            while (end < m_size && m_data[end] != u'"' && m_data[end] != u' ' && m_data[end] != u'\t' && m_data[end] != u'\r'
+                   && m_data[end] != u'\n')
+                ++end;
+            if (end < m_size && m_data[end] == u'"') {
+                const qsizetype keyStart = m_pos + 1;
+                m_pos = end + 1;
+                QString key = m_pool.get(QStringView(m_data + keyStart, end - keyStart));
+                skipChar();
+                if (atEnd() || at() != u':') {
+                    noteError(QStringLiteral("Invalid Key at position %1 : %2\r\n").arg(position(), key.left(ExcerptLength)));
+                    return key;
+                }
+                ++m_pos;
+                return key;
+            }
+        }
         QString key;
         bool inDouble = false, inSingle = false;
         while (m_pos < m_size) {
-            const QChar c = at();
+            const char16_t c = at();
             if ((c == u'"' && !inSingle) || (c == u'\'' && !inDouble)) {
                 bool &flag = c == u'"' ? inDouble : inSingle;
                 flag = !flag;
@@ -574,7 +782,7 @@ private:
                 if (!flag) {
                     skipChar();
                     if (atEnd() || at() != u':') {
-                        m_errors += QStringLiteral("Invalid Key at position %1 : %2\r\n").arg(position(), key);
+                        noteError(QStringLiteral("Invalid Key at position %1 : %2\r\n").arg(position(), key.left(ExcerptLength)));
                         return key;
                     }
                 }
@@ -582,30 +790,33 @@ private:
             }
             if (c == u':' && !inDouble && !inSingle) {
                 ++m_pos;
-                return key;
+                return m_pool.get(key);
             }
-            if (c != u'\r' && c != u'\n' && c != u'\t' && c != u' ')
-                key += c;
+            if (!isKeyBlank(c))
+                key += QChar(c);
             ++m_pos;
         }
         return key;
     }
 
     const QString &m_text;
-    const QChar *m_data;
+    const char16_t *m_data;
     qsizetype m_size;
+    qsizetype m_maxValues;
     qsizetype m_pos = 0;
     int m_depth = 0;
+    qsizetype m_values = 0;
     QString m_errors;
+    TextPool m_pool;
 };
 
 constexpr char HexDigits[] = "0123456789ABCDEF";
 
 } // namespace
 
-JsonValue parse(const QString &text, QString *errors)
+JsonValue parse(const QString &text, QString *errors, qsizetype maxValues)
 {
-    Parser parser(text);
+    Parser parser(text, maxValues);
     JsonValue result = parser.parseTop();
     if (errors)
         *errors = parser.errors();
@@ -646,16 +857,11 @@ void write(const JsonValue &value, QString &out)
     case JsonValue::Boolean:
         out += value.toBool() ? QLatin1String("true") : QLatin1String("false");
         break;
-    case JsonValue::DateTime: {
-        const QDateTime dt = value.toDateTime();
+    case JsonValue::DateTime:
         out += QLatin1Char('"');
-        if (dt.time() == QTime(0, 0))
-            out += dt.date().toString(QStringLiteral("yyyy-MM-dd"));
-        else
-            out += dt.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        out += value.toText();
         out += QLatin1Char('"');
         break;
-    }
     case JsonValue::Text:
         out += QLatin1Char('"');
         encode(value.toText(), out);

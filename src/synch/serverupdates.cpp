@@ -1,5 +1,6 @@
 #include "synch/serverupdates.h"
 
+#include "bookings/cancellog.h"
 #include "shell/database.h"
 #include "shell/money.h"
 
@@ -92,9 +93,12 @@ bool ServerUpdateApplier::applyEntry(JsonObject &entry, const QString &table, co
         const QString refTable = (*value.object()).value(QStringLiteral("table")).toText();
         bool ok = false;
         const qint32 refId = (*value.object()).value(QStringLiteral("tableid")).toInt(&ok);
-        if (!SynchTables::isShared(refTable) || !ok)
+        // A reference names a shared row by a server id that may be 0 ("none"), and
+        // stands only where a whole-number column of this table takes a key.
+        const TableColumn *column = m_tables.column(table, key);
+        if (!SynchTables::isShared(refTable) || !ok || refId < 0 || !column || !column->isInteger)
             throw SynchDataError(QStringLiteral("A bad reference in %1.%2").arg(table, key.left(40)));
-        if (refId <= 0) {
+        if (refId == 0) {
             values.set(key, JsonValue(0));
             continue;
         }
@@ -138,17 +142,17 @@ qint32 ServerUpdateApplier::writeRecord(const QString &table, JsonObject &values
     qint32 localKey = m_tables.serverToLocalId(table, tableId);
     if (localKey < 0) {
         // A key the server knows: this PC's own row, still waiting for its server id,
-        // is updated rather than doubled.
-        const qint32 offered = valueOf(values, localKeyName).toInt();
-        if (offered > 0) {
+        // is updated rather than doubled. A key that names no row here is never
+        // taken over: the row gets a fresh key, which the acknowledgement reports.
+        bool ok = false;
+        const qint32 offered = valueOf(values, localKeyName).toInt(&ok);
+        if (ok && offered > 0) {
             const QVariant held = m_db.scalar(QStringLiteral("select %1 from %2 where %3 = ?").arg(serverKeyName, table, localKeyName),
                                               {offered});
-            if (!held.isValid())
-                localKey = offered; // insert under the key the server gave
-            else if (held.toInt() == 0 || held.toInt() == tableId)
+            if (held.isValid() && (held.toInt() == 0 || held.toInt() == tableId))
                 localKey = offered;
         }
-        if (localKey < 0 || !m_db.scalar(QStringLiteral("select 1 from %1 where %2 = ?").arg(table, localKeyName), {localKey}).isValid()) {
+        if (localKey < 0) {
             QStringList names;
             QStringList marks;
             QVariantList bound;
@@ -159,14 +163,13 @@ qint32 ServerUpdateApplier::writeRecord(const QString &table, JsonObject &values
                 marks << QStringLiteral("?");
                 bound << m_tables.columnValue(c, valueOf(values, c.name), table);
             }
-            if (localKey > 0) {
-                names << localKeyName;
-                marks << QStringLiteral("?");
-                bound << localKey;
-            }
             m_db.execute(QStringLiteral("insert into %1 (%2) values(%3)").arg(table, names.join(QLatin1Char(',')), marks.join(QLatin1Char(','))),
                          bound);
-            return localKey > 0 ? localKey : static_cast<qint32>(m_db.lastInsertId());
+            const qint64 fresh = m_db.lastInsertId();
+            if (fresh < 1 || fresh > SynchTables::MaxKey)
+                throw SynchDataError(QStringLiteral("The local keys of %1 are used up").arg(table));
+            values.set(localKeyName, JsonValue(static_cast<qint32>(fresh)));
+            return static_cast<qint32>(fresh);
         }
     }
     // The local key of an existing row never changes; every other column takes the server's value.
@@ -199,15 +202,9 @@ void ServerUpdateApplier::deleteBookingRecord(const QString &table, qint32 table
     const qint32 localKey = m_tables.serverToLocalId(table, tableId);
     if (localKey < 0)
         return; // already gone: no failure
-    if (!m_isLink) {
-        QStringList names;
-        for (const TableColumn &c : m_tables.columns(table))
-            names << c.name;
-        const QString list = names.join(QLatin1Char(','));
-        m_db.execute(QStringLiteral("insert into %1del (%2, deldate, deluser) select %2, ?, 'synch' from %1 where %3 = ?")
-                         .arg(table, list, SynchTables::localKey(table)),
-                     {sqlDateTime(QDateTime::currentDateTime()), localKey});
-    }
+    if (!m_isLink)
+        CancelLog::deleteRecord(m_db, table == QLatin1String("booking") ? CancelledTable::Booking : CancelledTable::Guest,
+                                localKey, QStringLiteral("synch"));
     if (table == QLatin1String("guest")) {
         m_db.execute(QStringLiteral("delete from dailyrate where BBBookingID = (select BBBookingID from guest where BBGuestID = ?) "
                                     "and BBRoomID = (select BBRoomID from guest where BBGuestID = ?)"),
@@ -236,7 +233,12 @@ void ServerUpdateApplier::applyDailyRates(qint32 bookingKey, qint32 roomKey, con
             if (!rate.isObject())
                 throw SynchDataError(QStringLiteral("A bad daily rate from the server"));
             const JsonObject &r = *rate.object();
-            serverRates.insert(valueOf(r, QStringLiteral("caldate")).toText().left(10), valueOf(r, QStringLiteral("roomrate")).toDouble());
+            bool ok = false;
+            const double amount = valueOf(r, QStringLiteral("roomrate")).toDouble(&ok);
+            if (!ok)
+                throw SynchDataError(QStringLiteral("A daily rate from the server that is no finite number: ")
+                                     + valueOf(r, QStringLiteral("roomrate")).toText().left(40));
+            serverRates.insert(valueOf(r, QStringLiteral("caldate")).toText().left(10), amount);
         }
     }
     m_db.execute(QStringLiteral("delete from dailyrate where BBBookingID = ? and BBRoomID = ? and (CalDate < ? or CalDate >= ?)"),
@@ -258,8 +260,17 @@ void ServerUpdateApplier::applyDailyRates(qint32 bookingKey, qint32 roomKey, con
 
 void ServerUpdateApplier::noteNewBooking(qint32 bookingKey)
 {
-    if (!m_db.scalar(QStringLiteral("select 1 from newbooking where BBBookingID = ?"), {bookingKey}).isValid())
-        m_db.execute(QStringLiteral("insert into newbooking (BBBookingID) values (?)"), {bookingKey});
+    // The list has no index and a large reply notes many bookings: it is read once.
+    if (!m_notedLoaded) {
+        QSqlQuery q = m_db.query(QStringLiteral("select BBBookingID from newbooking"));
+        while (q.next())
+            m_noted.insert(q.value(0).toInt());
+        m_notedLoaded = true;
+    }
+    if (m_noted.contains(bookingKey))
+        return;
+    m_db.execute(QStringLiteral("insert into newbooking (BBBookingID) values (?)"), {bookingKey});
+    m_noted.insert(bookingKey);
 }
 
 void ServerUpdateApplier::addAcknowledgement(const QString &table, qint32 logId, qint32 tableId, qint32 localId)

@@ -49,6 +49,8 @@ private:
         JsonValue rates;
     };
     std::vector<PendingRates> m_pendingRates;
+    QSet<qint32> m_noted;   // bookings already in newbooking
+    bool m_notedLoaded = false;
 };
 
 } // namespace fenlark

@@ -1,6 +1,7 @@
 #include "synch/setupdownload.h"
 
 #include "shell/database.h"
+#include "shell/errorlog.h"
 #include "shell/messages.h"
 #include "shell/schema.h"
 #include "shell/strings.h"
@@ -22,14 +23,27 @@ bool SetupDownload::initialise()
 {
     m_status = false;
     m_loginRefused = false;
+    m_refused = false;
     for (int attempt = 0; attempt < MaxLoginAttempts; ++attempt) {
         m_stopOnFailure = true;
         const PostResult posted = m_transport.post(setupUrl(m_login, m_lastUpdated, m_synchCounter), QByteArray());
+        if (!posted.ok && posted.httpStatus > 0) {
+            m_refused = posted.httpStatus >= 400 && posted.httpStatus <= 499;
+            reportCommunicationError(posted.error);
+            return false;
+        }
         if (!posted.ok || posted.reply.isEmpty()) {
             reportNoConnection();
             return false;
         }
-        if (processSetupReply(json::parse(posted.reply))) {
+        QString errors;
+        const JsonValue reply = json::parse(posted.reply, &errors);
+        if (!errors.isEmpty()) {
+            // Only a reply read whole is applied: a cut one changes nothing.
+            reportCommunicationError(getString(6022, QStringLiteral("The server's reply could not be applied: ")) + errors.left(200));
+            return false;
+        }
+        if (processSetupReply(reply)) {
             m_status = true;
             return true;
         }
@@ -53,14 +67,24 @@ bool SetupDownload::processSetupReply(const JsonValue &reply)
     }
     if (!reply[QStringLiteral("success")].toBool()) {
         const QString message = reply[QStringLiteral("error")][QStringLiteral("message")].toText();
+        m_refused = true;
         reportCommunicationError(message);
         return false;
     }
     if (reply.object()->contains(QStringLiteral("synconly"))) {
-        applySyncOnly(reply[QStringLiteral("synconly")].toInt());
+        bool ok = false;
+        const qint32 counter = reply[QStringLiteral("synconly")].toInt(&ok);
+        const JsonValue given = reply[QStringLiteral("synconly")];
+        if (!ok || counter < 0 || (given.kind() == JsonValue::Double && given.toDouble() != counter)) {
+            reportCommunicationError(getString(6022, QStringLiteral("The server's reply could not be applied: "))
+                                     + QStringLiteral("synconly ") + reply[QStringLiteral("synconly")].toText().left(40));
+            return false;
+        }
+        applySyncOnly(counter);
         return true;
     }
     if (reply.object()->contains(QStringLiteral("loginfail"))) {
+        m_refused = true;
         m_failure = getString(6018, QStringLiteral("Incorrect BBID / Password"));
         if (m_showMessages)
             messages::critical(m_failure, getString(6017, QStringLiteral("Incorrect login details")));
@@ -127,8 +151,17 @@ void SetupDownload::replaceTables(const JsonValue &data)
                 byName.insert(lower, value);
             }
             QVariantList bound;
-            for (const TableColumn &c : columns)
-                bound << tables.columnValue(c, byName.value(c.name.toLower()), table);
+            for (const TableColumn &c : columns) {
+                const JsonValue value = byName.value(c.name.toLower());
+                // A row names its own key, from 0 up: a missing or negative one would
+                // be numbered by the database or clash with what refers to it.
+                if (c.primaryKey && c.isInteger) {
+                    bool ok = false;
+                    if (value.toInt(&ok) < 0 || !ok)
+                        throw SynchDataError(QStringLiteral("%1.%2: not a key: %3").arg(table, c.name, value.toText().left(40)));
+                }
+                bound << tables.columnValue(c, value, table);
+            }
             m_db.execute(insert, bound);
         }
         m_replaced << table;
@@ -166,9 +199,10 @@ void SetupDownload::reportNoConnection()
 
 void SetupDownload::reportCommunicationError(const QString &text)
 {
-    m_failure = text;
+    // A server may echo anything back, the password included.
+    m_failure = redactPassword(text, m_login.password).left(ErrorLog::MaxMessageBytes);
     if (m_showMessages)
-        messages::critical(text.left(100) + QStringLiteral("\r\n\r\n") + getString(2019, QStringLiteral("Please call veldmoor support (021) 555 0100")),
+        messages::critical(m_failure.left(100) + QStringLiteral("\r\n\r\n") + getString(2019, QStringLiteral("Please call veldmoor support (021) 555 0100")),
                            getString(6015, QStringLiteral("Communication error")));
 }
 

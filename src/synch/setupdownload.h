@@ -35,6 +35,8 @@ public:
     bool status() const { return m_status; }
     // True when the server refused the login and no retry was given or it was declined.
     bool loginRefused() const { return m_loginRefused; }
+    // True when the server answered and said no: a refused log-on, an error reply, HTTP 4xx.
+    bool refusedByServer() const { return m_refused; }
     const ServerLogin &login() const { return m_login; }
 
     // What happened, for a caller that shows it or writes it down.
@@ -63,6 +65,7 @@ private:
     bool m_showMessages = true;
     bool m_status = false;
     bool m_loginRefused = false;
+    bool m_refused = false;
     bool m_stopOnFailure = true;
     bool m_roomsWarning = false;
     QString m_failure;

@@ -21,7 +21,8 @@ public:
 // What one run did, for fenlarkctl and for tests.
 struct SynchSummary {
     bool success = false;
-    bool locked = false;    // another PC held the lock: nothing was done
+    bool locked = false;    // another run held the lock: nothing was done
+    bool refused = false;   // the server answered and said no (log-on, an error reply, HTTP 4xx)
     int exchanges = 0;
     int sent = 0;           // log entries sent
     int acknowledged = 0;   // of those, acknowledged by the server
@@ -36,11 +37,16 @@ ServerLogin loginFromSetup(Database &db);
 // One synchronisation: take the lock, refresh the setup, then exchange one message
 // each way until neither side has anything left to say. Nothing typed here is lost
 // on the way: a log row goes only when the server has acknowledged it, and one reply
-// is applied in one transaction or not at all.
+// is applied in one transaction or not at all. However the run ends (a failure, an
+// exception of any kind, a time-out) the lock it took is released.
 class Synch {
 public:
     // Exchanges that make no progress in a row before the run gives up.
     static constexpr int MaxIdleExchanges = 3;
+    // A reply with more entries than this in one of its lists is refused before
+    // anything is applied. The server sends a few hundred at a time; a reply at the
+    // 64 MiB limit holds some 200,000 rows, a hostile one of tiny entries millions.
+    static constexpr qsizetype MaxEntriesPerList = 250'000;
 
     Synch(Database &db, ServerTransport &transport);
 
@@ -56,7 +62,8 @@ public:
     // Skips the setup request at the head of the run (tests of the exchange alone).
     void setSkipSetup(bool skip) { m_skipSetup = skip; }
 
-    // The run. True when it succeeded or another PC held the lock.
+    // The run. True only when it succeeded; a run that found the lock held did
+    // nothing and says so (summary().locked).
     bool synchronise();
     const SynchSummary &summary() const { return m_summary; }
 
@@ -69,10 +76,12 @@ private:
     bool moreToDo();
     void processReply();
     void applyAcknowledgements(const JsonArray &acks);
+    void run();
     void reportTimeout(const QString &detail);
     void reportFailure(const QString &text);
+    void reportLocked();
     void progress(const QString &text);
-    void appendToSynchErr(const QString &folder, const QString &line);
+    void appendToSynchErr(const QString &folder, const QString &text);
 
     Database &m_db;
     ServerTransport &m_transport;
@@ -89,7 +98,8 @@ private:
     bool m_failed = false;
     StringBuilder m_message;
     QString m_reply;
-    QString m_previousReply;
+    size_t m_replyHash = 0;
+    size_t m_previousReplyHash = 0;
     JsonArray m_requestedRecords;
     JsonArray m_logUpdates;
     JsonArray m_acknowledgements;

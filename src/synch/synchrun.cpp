@@ -54,7 +54,11 @@ bool automaticSynch(Database &db)
 {
     if (!AutoSynch::mayRun())
         return false;
-    if (!runSynch(db, false)) {
+    SynchSummary summary;
+    if (!runSynch(db, false, nullptr, &summary)) {
+        // Another run holding the lock is no failure of this one: it said so in synch.err.
+        if (summary.locked)
+            return false;
         messages::critical(getString(2282, QStringLiteral("Failure in Auto Synchronisation. Try a manual synch to get the error message.")),
                            getString(2283, QStringLiteral("Auto-Synchronisation Failed")));
         return false;

@@ -104,15 +104,16 @@ QVariant SynchTables::columnValue(const TableColumn &column, const JsonValue &va
     if (column.isInteger) {
         bool ok = false;
         const qint32 n = value.toInt(&ok);
-        if (!ok)
-            throw refuse(QStringLiteral("not a whole number: ") + value.toText().left(40));
+        // 2.0 is the whole number 2; 2.5 is no value of a whole-number column.
+        if (!ok || (value.kind() == JsonValue::Double && value.toDouble() != static_cast<double>(n)))
+            throw refuse(QStringLiteral("not a whole number in 32 bits: ") + value.toText().left(40));
         return n;
     }
     if (column.isReal) {
         bool ok = false;
         const double d = value.toDouble(&ok);
         if (!ok)
-            throw refuse(QStringLiteral("not a number: ") + value.toText().left(40));
+            throw refuse(QStringLiteral("not a finite number: ") + value.toText().left(40));
         return d;
     }
     const QString text = value.toText();

@@ -37,13 +37,17 @@ public:
     // The column of that name, matched without regard to case; nullptr when none.
     const TableColumn *column(const QString &table, const QString &name);
 
+    // Local keys of shared rows stay within 1 .. 2^31-1.
+    static constexpr qint64 MaxKey = 2147483647;
+
     // The local key of the row with that server id, or -1.
     qint32 serverToLocalId(const QString &table, qint32 tableId);
     qint32 localToServerId(const QString &table, qint32 localId);
 
     // A value from the wire made fit for the column: numbers for numeric columns,
     // text for the rest, a neutral value for a null in a NOT NULL column. Throws
-    // SynchDataError when the value cannot be one of that column.
+    // SynchDataError when the value cannot be one of that column: a whole-number
+    // column takes only whole numbers in 32 bits, a real column only finite ones.
     QVariant columnValue(const TableColumn &column, const class JsonValue &value, const QString &table);
 
 private:

@@ -13,6 +13,9 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
+#include <utility>
+
 namespace fenlark {
 
 QString urlEncode(const QString &text)
@@ -49,7 +52,7 @@ namespace {
 QString loginQuery(const ServerLogin &login, const QString &action)
 {
     return serverBase(login.server) + QStringLiteral("/moorgate/Synchronisation?a=") + action
-        + QStringLiteral("&bbid=") + QString::number(login.bbid) + QStringLiteral("&p=") + login.password;
+        + QStringLiteral("&bbid=") + QString::number(login.bbid) + QStringLiteral("&p=") + urlEncode(login.password);
 }
 
 } // namespace
@@ -74,9 +77,23 @@ QString upgradeUrl(const ServerLogin &login)
 
 QString redactPassword(const QString &url)
 {
-    static const QRegularExpression password(QStringLiteral("([?&]p=)[^&\\s]*"));
+    // Everything after "p=" up to the next "&key=": a URL shown decoded may hold
+    // blanks or "&" of the password itself, and none of it may reach a log.
+    static const QRegularExpression password(QStringLiteral("([?&]p=)(?:(?!&[A-Za-z0-9_]+=).)*"));
     QString out = url;
     out.replace(password, QStringLiteral("\\1***"));
+    return out;
+}
+
+QString redactPassword(const QString &text, const QString &password)
+{
+    QString out = redactPassword(text);
+    if (password.isEmpty())
+        return out;
+    for (const QString &form : {password, urlEncode(password), QString::fromLatin1(QUrl::toPercentEncoding(password))}) {
+        if (!form.isEmpty())
+            out.replace(form, QStringLiteral("***"));
+    }
     return out;
 }
 
@@ -105,26 +122,72 @@ QByteArray buildMultipart(const QString &boundary, const QByteArray &data)
     return body;
 }
 
-HttpTransport::HttpTransport(int timeoutMs, const QString &proxy) : m_timeoutMs(timeoutMs), m_proxy(proxy.trimmed()) {}
+HttpTransport::HttpTransport(int timeoutMs, const QString &proxy)
+    : m_timeoutMs(timeoutMs), m_manager(std::make_unique<QNetworkAccessManager>())
+{
+    if (!proxy.trimmed().isEmpty()) {
+        const QUrl proxyUrl = QUrl::fromUserInput(proxy.trimmed());
+        m_manager->setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, proxyUrl.host(), static_cast<quint16>(proxyUrl.port(8080))));
+    }
+}
+
+HttpTransport::~HttpTransport() = default;
+
+namespace {
+
+// Why an HTTP exchange failed, in words fit for a log.
+QString failureText(QNetworkReply &reply, int status)
+{
+    if (status > 0 && (status < 200 || status > 299)) {
+        const QString phrase = reply.attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().left(60);
+        return getString(6040, QStringLiteral("The server answered HTTP %1 %2")).arg(status).arg(phrase).trimmed();
+    }
+    if (status > 0)
+        return getString(6045, QStringLiteral("The server's reply broke off: ")) + redactPassword(reply.errorString());
+    return redactPassword(reply.errorString());
+}
+
+} // namespace
 
 PostResult HttpTransport::post(const QString &url, const QByteArray &message)
 {
     PostResult result;
-    QNetworkAccessManager manager;
-    if (!m_proxy.isEmpty()) {
-        const QUrl proxyUrl = QUrl::fromUserInput(m_proxy);
-        manager.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, proxyUrl.host(), static_cast<quint16>(proxyUrl.port(8080))));
-    }
     const QString boundary = newBoundary(message);
     QNetworkRequest request{QUrl(url)};
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("multipart/form-data; boundary=") + boundary);
     request.setTransferTimeout(m_timeoutMs);
-    QNetworkReply *reply = manager.post(request, buildMultipart(boundary, message));
+    // The message goes to the configured server or nowhere.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    QNetworkReply *reply = m_manager->post(request, buildMultipart(boundary, message));
+    // Qt Network holds no more than this unread; the rest waits in the socket.
+    reply->setReadBufferSize(1024 * 1024);
+
+    QByteArray body;
+    bool tooLarge = false;
+    const auto giveUpIfTooLarge = [&](qint64 size) {
+        if (size > MaxReplyBytes && !tooLarge) {
+            tooLarge = true;
+            reply->abort();
+        }
+    };
+    const auto readSome = [&] {
+        if (tooLarge || !reply->isOpen())
+            return;
+        // Asked for what is there only: read() sets aside as much as it is asked for.
+        body += reply->read(std::min(reply->bytesAvailable(), MaxReplyBytes + 1 - body.size()));
+        giveUpIfTooLarge(body.size());
+    };
 
     QEventLoop loop;
     QTimer deadline;
     deadline.setSingleShot(true);
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, &loop, [&] {
+        const QVariant declared = reply->header(QNetworkRequest::ContentLengthHeader);
+        if (declared.isValid())
+            giveUpIfTooLarge(declared.toLongLong());
+    });
+    QObject::connect(reply, &QNetworkReply::readyRead, &loop, readSome);
     QObject::connect(&deadline, &QTimer::timeout, &loop, [&] {
         result.timedOut = true;
         reply->abort();
@@ -133,16 +196,21 @@ PostResult HttpTransport::post(const QString &url, const QByteArray &message)
     if (!reply->isFinished())
         loop.exec();
     deadline.stop();
+    readSome();
 
-    if (reply->error() == QNetworkReply::OperationCanceledError || reply->error() == QNetworkReply::TimeoutError)
+    result.httpStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (tooLarge) {
+        result.error = getString(6041, QStringLiteral("The server's reply is larger than 64 MiB."));
+    } else if (reply->error() == QNetworkReply::OperationCanceledError || reply->error() == QNetworkReply::TimeoutError) {
         result.timedOut = true;
-    if (reply->error() != QNetworkReply::NoError) {
         result.error = redactPassword(reply->errorString());
+    } else if (reply->error() != QNetworkReply::NoError || result.httpStatus < 200 || result.httpStatus > 299) {
+        result.error = failureText(*reply, result.httpStatus);
     } else {
         // A reply that is not UTF-8 is refused whole rather than read with
         // replacement characters that would then be stored as names.
         QStringDecoder decoder(QStringDecoder::Utf8);
-        result.reply = decoder.decode(reply->readAll());
+        result.reply = decoder.decode(std::exchange(body, QByteArray()));
         if (decoder.hasError()) {
             result.reply.clear();
             result.error = getString(6032, QStringLiteral("The server's reply is not valid UTF-8 text."));

@@ -100,7 +100,9 @@ private Q_SLOTS:
             QSqlDatabase raw = QSqlDatabase::addDatabase("QSQLITE", "older");
             raw.setDatabaseName(path);
             raw.open();
-            for (const char *sql : {"drop trigger client_fold_insert", "drop trigger client_fold_update",
+            // Everything after version 3 goes.
+            for (const char *sql : {"drop index client_companyfold", "drop index guest_client2",
+                                    "drop trigger client_fold_insert", "drop trigger client_fold_update",
                                     "drop trigger client_fold_delete", "drop table clientfold",
                                     "create index client_surname on client (Surname collate nocase, Active)",
                                     "create index client_firstname on client (FirstName collate nocase, Active)",

@@ -35,7 +35,7 @@ public:
         store = std::make_unique<ReferenceServer>(serverDir.filePath(QStringLiteral("server.db")),
                                                   QStringLiteral("e2e-%1").arg(++serial));
         store->seedFromDesk(t.db().path());
-        front = std::make_unique<HttpFront>(*store);
+        front = std::make_unique<HttpFront>(serverDir.filePath(QStringLiteral("server.db")));
         front->setStallMs(4000);
         port = front->listen(QHostAddress::LocalHost, 0);
     }

@@ -38,6 +38,17 @@ private Q_SLOTS:
         QTest::newRow("negative int") << "{\"a\":-2147483648}" << "{\"a\":-2147483648}" << "";
         QTest::newRow("missing value") << "{\"a\":,\"b\":1}" << "{}" << "Type mismatch";
         QTest::newRow("exponent is double") << "{\"a\":1e3}" << "{\"a\":1000}" << "";
+        // A number is one finite number in range, or a failure that ends the object.
+        QTest::newRow("double past range") << "{\"x\":1,\"a\":1e999,\"b\":1}" << "{\"x\":1}" << "Invalid number 1e999";
+        QTest::newRow("negative double past range") << "{\"x\":1,\"a\":-1e999}" << "{\"x\":1}" << "Invalid number";
+        QTest::newRow("two points") << "{\"x\":1,\"a\":1.5.5e3}" << "{\"x\":1}" << "Invalid number 1.5.5e3";
+        QTest::newRow("exponent without digits") << "{\"x\":1,\"a\":1e,\"b\":2}" << "{\"x\":1}" << "Invalid number";
+        QTest::newRow("NaN") << "{\"x\":1,\"a\":NaN}" << "{\"x\":1}" << "Type mismatch";
+        QTest::newRow("Infinity") << "[1,Infinity]" << "[1]" << "Type mismatch";
+        QTest::newRow("minus Infinity") << "[1,-Infinity]" << "[1]" << "Type mismatch";
+        QTest::newRow("int overflow below") << "[1,-2147483649]" << "[1]" << "Overflow";
+        QTest::newRow("twenty digits") << "[1,99999999999999999999]" << "[1]" << "Overflow";
+        QTest::newRow("signs inside") << "[1,1-2]" << "[1]" << "Type mismatch";
         QTest::newRow("tiny double") << "{\"a\":1.5E-7}" << "{\"a\":1.5E-07}" << "";
         QTest::newRow("single quoted string") << "{a:'it\"s'}" << "{\"a\":\"it\\\"s\"}" << "";
         QTest::newRow("unicode escape") << "{a:\"caf\\u00e9\"}" << "{\"a\":\"caf\\u00E9\"}" << "";
@@ -87,6 +98,26 @@ private Q_SLOTS:
         const JsonValue v = json::parse(deep, &errors);
         QVERIFY(v.isArray());
         QVERIFY(errors.contains(QLatin1String("too deep")));
+    }
+
+    void refusesMoreValuesThanItsLimitWhole()
+    {
+        QString errors;
+        QVERIFY(json::parse(QStringLiteral("[1,[2,3],{\"a\":4}]"), &errors, 6).isArray());
+        QVERIFY(errors.isEmpty());
+        QVERIFY(json::parse(QStringLiteral("[1,[2,3],{\"a\":4},5]"), &errors, 6).isNothing());
+        QVERIFY(errors.contains(QLatin1String("More than 6 values")));
+    }
+
+    // Every error quotes a short excerpt, never the rest of the text, and the error
+    // text stops growing: a hostile text cannot make it the largest thing in memory.
+    void errorTextStaysBounded()
+    {
+        const QString text = QStringLiteral("{a:t") + QStringLiteral(",b:t").repeated(20000) + QStringLiteral("}");
+        QString errors;
+        json::parse(text, &errors);
+        QVERIFY(errors.contains(QLatin1String("Invalid Boolean")));
+        QVERIFY(errors.size() <= json::MaxErrorText);
     }
 
     void survivesEveryTruncation()

@@ -8,6 +8,7 @@
 #include "synch/synchlock.h"
 #include "synch/synchrun.h"
 
+#include "support/recordingsink.h"
 #include "support/testdatabase.h"
 
 #include <QSqlQuery>
@@ -33,6 +34,45 @@ public:
         r.reply = replies.size() > 1 ? replies.takeFirst() : replies.value(0);
         return r;
     }
+};
+
+// Breaks the exchange the way the wire or the heap can.
+class ThrowingTransport : public ServerTransport {
+public:
+    explicit ThrowingTransport(bool outOfMemory) : m_outOfMemory(outOfMemory) {}
+    PostResult post(const QString &, const QByteArray &) override
+    {
+        if (m_outOfMemory)
+            throw std::bad_alloc();
+        throw std::runtime_error("the wire snapped");
+    }
+
+private:
+    bool m_outOfMemory;
+};
+
+// Starts a second run on the same database while the first waits on the wire.
+class ReentrantTransport : public ServerTransport {
+public:
+    explicit ReentrantTransport(Database &db) : m_db(db) {}
+    PostResult post(const QString &, const QByteArray &) override
+    {
+        ScriptedTransport inner;
+        Synch second(m_db, inner);
+        secondResult = second.synchronise();
+        secondSummary = second.summary();
+        lockDuringSecond = m_db.scalar(QStringLiteral("select count(*) from synchlock")).toInt();
+        PostResult r;
+        r.ok = true;
+        r.reply = QStringLiteral("{\"success\":true,\"data\":{}}");
+        return r;
+    }
+    bool secondResult = true;
+    SynchSummary secondSummary;
+    int lockDuringSecond = 0;
+
+private:
+    Database &m_db;
 };
 
 qint32 addClient(Database &db, const QString &surname)
@@ -334,6 +374,57 @@ private Q_SLOTS:
         QCOMPARE(newBookingText(t.db()), QString());
     }
 
+    void anExceptionInTheExchangeReleasesTheLock_data()
+    {
+        QTest::addColumn<bool>("outOfMemory");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("a failure of any kind") << false << "the wire snapped";
+        QTest::newRow("out of memory") << true << "ran out of memory";
+    }
+
+    void anExceptionInTheExchangeReleasesTheLock()
+    {
+        QFETCH(bool, outOfMemory);
+        QFETCH(QString, reason);
+        TestDatabase t;
+        addClient(t.db(), QStringLiteral("Waiting"));
+        ThrowingTransport transport(outOfMemory);
+        Synch synch(t.db(), transport);
+        synch.setSkipSetup(true);
+        QVERIFY(!synch.synchronise());
+        QVERIFY(synch.summary().errors.join(QString()).contains(reason));
+        QCOMPARE(t.db().scalar(QStringLiteral("select count(*) from synchlock")).toInt(), 0);
+        QCOMPARE(ChangeLog::count(t.db()), 1);
+    }
+
+    void aSecondRunWhileOneWaitsSaysSoAndLeavesTheFirstsLock()
+    {
+        TestDatabase t;
+        ReentrantTransport transport(t.db());
+        Synch first(t.db(), transport);
+        first.setSkipSetup(true);
+        QVERIFY(first.synchronise());
+        QVERIFY(!transport.secondResult);
+        QVERIFY(transport.secondSummary.locked);
+        QCOMPARE(transport.lockDuringSecond, 1);
+        QCOMPARE(t.db().scalar(QStringLiteral("select count(*) from synchlock")).toInt(), 0);
+    }
+
+    // Another PC's run is no failure of this one: no message, no pause.
+    void aLockedAutomaticRunShowsNothingAndDoesNotPause()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        AutoSynch::noteResult(true);
+        QVERIFY(SynchLock::acquireLock(t.db()));
+        QVERIFY(!automaticSynch(t.db()));
+        QVERIFY(sink.shown.isEmpty());
+        QVERIFY(AutoSynch::mayRun());
+        QFile err(t.file(QStringLiteral("synch.err")));
+        QVERIFY(err.open(QIODevice::ReadOnly));
+        QVERIFY(err.readAll().contains("another synchronisation holds the lock"));
+    }
+
     void lockExpiresAfterFiveMinutes()
     {
         TestDatabase t;
@@ -345,15 +436,17 @@ private Q_SLOTS:
         QVERIFY(SynchLock::acquireLock(t.db(), now));
     }
 
-    void lockHeldElsewhereCountsAsSuccess()
+    void lockHeldElsewhereIsNoSuccessAndLeavesTheLock()
     {
         TestDatabase t;
         QVERIFY(SynchLock::acquireLock(t.db()));
         ScriptedTransport transport;
         Synch synch(t.db(), transport);
-        QVERIFY(synch.synchronise());
+        QVERIFY(!synch.synchronise());
         QVERIFY(synch.summary().locked);
+        QVERIFY(synch.summary().errors.value(0).contains(QLatin1String("another synchronisation holds the lock")));
         QVERIFY(transport.urls.isEmpty());
+        QCOMPARE(t.db().scalar(QStringLiteral("select count(*) from synchlock")).toInt(), 1);
     }
 
     void setupReplacesOnlyKnownTablesAndColumns()

@@ -4,6 +4,7 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QUrlQuery>
 #include <QtTest>
 
 using namespace fenlark;
@@ -78,12 +79,37 @@ private Q_SLOTS:
         QVERIFY(synchUrl(login, QStringLiteral("pcsynch")).startsWith(QLatin1String("https://secure.example/moorgate/")));
     }
 
-    void passwordNeverShowsInALoggedUrl()
+    void passwordNeverShowsInALoggedText_data()
     {
-        QCOMPARE(redactPassword(QStringLiteral("http://h/m?a=s&bbid=1&p=topsecret&version=2")),
-                 QStringLiteral("http://h/m?a=s&bbid=1&p=***&version=2"));
-        QCOMPARE(redactPassword(QStringLiteral("Error transferring http://h/m?p=x - server replied")),
-                 QStringLiteral("Error transferring http://h/m?p=*** - server replied"));
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("encoded url") << "http://h/m?a=s&bbid=1&p=topsecret&version=2" << ""
+                                     << "http://h/m?a=s&bbid=1&p=***&version=2";
+        QTest::newRow("ampersand shown decoded") << "Error transferring http://h/m?a=s&p=Ab&cd9&version=2 - server replied"
+                                                 << "" << "Error transferring http://h/m?a=s&p=***&version=2 - server replied";
+        QTest::newRow("blank shown decoded") << "http://h/m?p=Ab cd9&version=2" << "" << "http://h/m?p=***&version=2";
+        QTest::newRow("nothing after it") << "Error transferring http://h/m?p=x - server replied" << ""
+                                          << "Error transferring http://h/m?p=***";
+        QTest::newRow("echoed by a server") << "401 - wrong password Ab&cd9 for 12345" << "Ab&cd9"
+                                            << "401 - wrong password *** for 12345";
+        QTest::newRow("echoed encoded") << "no such user Ab%26cd9" << "Ab&cd9" << "no such user ***";
+    }
+
+    void passwordNeverShowsInALoggedText()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, password);
+        QFETCH(QString, logged);
+        QCOMPARE(redactPassword(text, password), logged);
+    }
+
+    void passwordGoesEncodedAndWhole()
+    {
+        ServerLogin login{QStringLiteral("h"), 12345, QStringLiteral("Ab&cd9 #%+\u00e9"), 3, QStringLiteral("v")};
+        const QUrl url(synchUrl(login, QStringLiteral("pcsynch")));
+        QCOMPARE(QUrlQuery(url).queryItemValue(QStringLiteral("p"), QUrl::FullyEncoded), QStringLiteral("Ab%26cd9%20%23%25%2B%E9"));
+        QCOMPARE(QUrlQuery(url).queryItemValue(QStringLiteral("version")), QStringLiteral("3"));
     }
 
     void multipartBodyIsExact()

@@ -11,10 +11,7 @@
 
 #include "support/testdatabase.h"
 
-#include <QAbstractHttpServer>
 #include <QDir>
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,6 +19,7 @@
 #include <QSignalSpy>
 #include <QSqlQuery>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 using namespace fenlark;
@@ -34,33 +32,51 @@ const QString Password = QStringLiteral("s3cret");
 const QString Offered = QStringLiteral("99.1.0");
 const QByteArray Package = QByteArray("!<arch>\ndebian-binary   0           0     0     100644  4         `\n2.0\n");
 
-// Answers every request with the same body and notes what it was asked.
-class ScriptedServer : public QAbstractHttpServer {
+// Answers every request with the same body, as plain HTTP/1.1, and notes the
+// request line and body of the last one.
+class ScriptedServer : public QTcpServer {
 public:
     QByteArray body;
     QByteArray method;
-    QString query;
+    QByteArray query;
     QByteArray requestBody;
 
     quint16 start()
     {
-        auto *tcp = new QTcpServer(this);
-        if (!tcp->listen(QHostAddress::LocalHost, 0))
-            return 0;
-        bind(tcp);
-        return tcp->serverPort();
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = nextPendingConnection())
+                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(socket); });
+        });
+        return listen(QHostAddress::LocalHost, 0) ? serverPort() : 0;
     }
 
-protected:
-    bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override
+private:
+    void read(QTcpSocket *socket)
     {
-        method = request.method() == QHttpServerRequest::Method::Post ? QByteArray("POST") : QByteArray("other");
-        query = request.url().query();
-        requestBody = request.body();
-        makeResponder(request, socket).write(body, "text/plain");
-        return true;
+        QByteArray &seen = m_pending[socket];
+        seen += socket->readAll();
+        const qsizetype headEnd = seen.indexOf("\r\n\r\n");
+        if (headEnd < 0)
+            return;
+        const QByteArray head = seen.left(headEnd);
+        qsizetype length = 0;
+        for (const QByteArray &line : head.split('\n')) {
+            if (line.toLower().startsWith("content-length:"))
+                length = line.mid(15).trimmed().toLongLong();
+        }
+        if (seen.size() < headEnd + 4 + length)
+            return;
+        const QList<QByteArray> requestLine = head.left(head.indexOf("\r\n")).split(' ');
+        method = requestLine.value(0);
+        query = requestLine.value(1).mid(requestLine.value(1).indexOf('?') + 1);
+        requestBody = seen.mid(headEnd + 4, length);
+        m_pending.remove(socket);
+        socket->write("HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nConnection: close\r\nContent-Length: "
+                      + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+        socket->disconnectFromHost();
     }
-    void missingHandler(const QHttpServerRequest &, QTcpSocket *) override {}
+
+    QHash<QTcpSocket *, QByteArray> m_pending;
 };
 
 // A desk home folder with one property database, and the reference server on loopback.
@@ -74,7 +90,7 @@ public:
         static int serial = 0;
         store = std::make_unique<ReferenceServer>(serverDir.filePath(QStringLiteral("server.db")), QStringLiteral("upgrade-%1").arg(++serial));
         store->createProperty(Bbid, Password, QStringLiteral("Fen Lodge"));
-        front = std::make_unique<HttpFront>(*store);
+        front = std::make_unique<HttpFront>(serverDir.filePath(QStringLiteral("server.db")));
         port = front->listen(QHostAddress::LocalHost, 0);
         writeConfig(QStringLiteral("Server"), server());
     }
@@ -153,7 +169,7 @@ private Q_SLOTS:
         }
         QCOMPARE(server.method, QByteArray("POST"));
         QVERIFY(server.requestBody.isEmpty());
-        QCOMPARE(server.query, QStringLiteral("a=upgrade&bbid=12345&p=s3cret"));
+        QCOMPARE(server.query, QByteArray("a=upgrade&bbid=12345&p=s3cret"));
     }
 
     void aHugeReplyIsReadOneChunkAndRefused()

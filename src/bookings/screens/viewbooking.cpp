@@ -2,15 +2,21 @@
 
 #include "accounts/accountrecords.h"
 #include "accounts/extraqueries.h"
+#include "accounts/screens/accountform.h"
+#include "accounts/screens/extrasdialogs.h"
 #include "bookings/bookingcodes.h"
 #include "bookings/bookingdetails.h"
 #include "bookings/bookingrecords.h"
 #include "bookings/newbooking.h"
+#include "bookings/screens/addroom.h"
+#include "bookings/screens/changerooms.h"
+#include "bookings/screens/viewrates.h"
 #include "bookings/screens/viewrooms.h"
 #include "bookings/staydates.h"
 #include "clients/clientrecords.h"
 #include "clients/screens/clientsearchdialogs.h"
 #include "clients/screens/sourcelist.h"
+#include "clients/screens/viewclient.h"
 #include "clients/sources.h"
 #include "rates/ratedata.h"
 #include "rates/ratescalculator.h"
@@ -31,7 +37,6 @@
 #include <QGroupBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -83,6 +88,11 @@ ViewBooking::ViewBooking(Session &session, const RateData &rates, QWidget *paren
         dialog.exec();
         return dialog.getSource();
     };
+    choosers.editClient = [&session](QWidget *parent, qint32 clientId) {
+        ViewClient editor(session, {}, parent);
+        editor.initialise(clientId);
+        return editor.ChangesMade() ? editor.NewClientID() : 0;
+    };
     choosers.room = [&db](QWidget *parent, qint32 bbBookingId) {
         ViewRooms dialog(db, bbBookingId, parent);
         if (!dialog.initialise())
@@ -90,6 +100,29 @@ ViewBooking::ViewBooking(Session &session, const RateData &rates, QWidget *paren
         dialog.exec();
         return dialog.selectedRoomid();
     };
+    choosers.changeRoom = [&session](QWidget *parent, qint32 bbBookingId, qint32 bbRoomId, QDate from, QDate to) {
+        ChangeRooms dialog(session, bbBookingId, bbRoomId, from, to, parent);
+        if (!dialog.initialise())
+            return bbRoomId;
+        dialog.exec();
+        return dialog.newRoomId();
+    };
+    choosers.addRoom = [&session, &rates](QWidget *parent, qint32 bbBookingId, qint32 bbRoomId) {
+        AddRoom dialog(session, rates, bbBookingId, bbRoomId, parent);
+        if (!dialog.initialise())
+            return 0;
+        dialog.exec();
+        return dialog.newRoomId();
+    };
+    choosers.rates = [&session, &rates](QWidget *parent, qint32 bbBookingId) {
+        ViewRates dialog(session, rates, bbBookingId, parent);
+        if (!dialog.initialise())
+            return false;
+        dialog.exec();
+        return dialog.ok();
+    };
+    moneyScreens.account = [&session](QWidget *parent, qint32 accountId) { AccountForm::initialise(session, accountId, parent); };
+    moneyScreens.extras = [&session](QWidget *parent, qint32 guestId) { Extras::initialise(session, guestId, parent); };
     build();
 }
 
@@ -131,7 +164,8 @@ void ViewBooking::build()
     outMadeBy->setObjectName(QStringLiteral("outMadeBy"));
     auto *madeBy = new QHBoxLayout;
     madeBy->addWidget(outMadeBy, 1);
-    madeBy->addWidget(button(QStringLiteral("cmdMadeBy"), getString(5866, QStringLiteral("View")), false));
+    m_madeByView = button(QStringLiteral("cmdMadeBy"), getString(5866, QStringLiteral("View")), false);
+    madeBy->addWidget(m_madeByView);
     auto *madeByChange = button(QStringLiteral("cmdMadeByChange"), getString(5867, QStringLiteral("Change")), true);
     auto *madeByEmail = button(QStringLiteral("cmdMadeByEmail"), getString(5868, QStringLiteral("E-mail")), true);
     madeBy->addWidget(madeByChange);
@@ -145,7 +179,8 @@ void ViewBooking::build()
     auto *viewRooms = button(QStringLiteral("cmdViewRooms"), getString(5871, QStringLiteral("View all rooms")), true);
     rooms->addWidget(changeRooms);
     rooms->addWidget(viewRooms);
-    rooms->addWidget(button(QStringLiteral("cmdAddRoom"), getString(5872, QStringLiteral("Add Room")), false));
+    auto *addRoom = button(QStringLiteral("cmdAddRoom"), getString(5872, QStringLiteral("Add Room")), true);
+    rooms->addWidget(addRoom);
     bf->addRow(getString(5873, QStringLiteral("Room")), rooms);
     lblSingleMulti = new QLabel(booking);
     lblSingleMulti->setObjectName(QStringLiteral("lblSingleMulti"));
@@ -195,7 +230,10 @@ void ViewBooking::build()
     auto *bookingButtons = new QHBoxLayout;
     auto *split = button(QStringLiteral("cmdSplit"), getString(5883, QStringLiteral("Split &Booking")), true);
     bookingButtons->addWidget(split);
-    bookingButtons->addWidget(button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), false));
+    auto *cancelBooking = button(QStringLiteral("cmdDelete"), getString(6590, QStringLiteral("Cancel B&ooking")), true);
+    auto *cancelRoom = button(QStringLiteral("cmdDeleteRoom"), getString(5884, QStringLiteral("Cancel &Room")), true);
+    bookingButtons->addWidget(cancelBooking);
+    bookingButtons->addWidget(cancelRoom);
     auto *print = button(QStringLiteral("cmdPrint"), getString(5885, QStringLiteral("&Print")), true);
     bookingButtons->addWidget(print);
     bf->addRow(bookingButtons);
@@ -209,7 +247,8 @@ void ViewBooking::build()
     outGuest->setObjectName(QStringLiteral("outGuest"));
     gf->addRow(getString(5887, QStringLiteral("Guest")), outGuest);
     auto *guestButtons = new QHBoxLayout;
-    guestButtons->addWidget(button(QStringLiteral("cmdGuest1"), getString(5866, QStringLiteral("View")), false));
+    m_guest1View = button(QStringLiteral("cmdGuest1"), getString(5866, QStringLiteral("View")), false);
+    guestButtons->addWidget(m_guest1View);
     auto *guest1Change = button(QStringLiteral("cmdGuest1Change"), getString(5867, QStringLiteral("Change")), true);
     auto *guest1Email = button(QStringLiteral("cmdGuest1Email"), getString(5868, QStringLiteral("E-mail")), true);
     guestButtons->addWidget(guest1Change);
@@ -219,7 +258,8 @@ void ViewBooking::build()
     outGuest2->setObjectName(QStringLiteral("outGuest2"));
     gf->addRow(getString(5888, QStringLiteral("Second guest")), outGuest2);
     auto *guest2Buttons = new QHBoxLayout;
-    guest2Buttons->addWidget(button(QStringLiteral("cmdGuest2"), getString(5866, QStringLiteral("View")), false));
+    m_guest2View = button(QStringLiteral("cmdGuest2"), getString(5866, QStringLiteral("View")), false);
+    guest2Buttons->addWidget(m_guest2View);
     auto *guest2Change = button(QStringLiteral("cmdGuest2Change"), getString(5867, QStringLiteral("Change")), true);
     m_guest2Del = button(QStringLiteral("cmdGuest2del"), getString(5889, QStringLiteral("Remove")), false);
     m_guest2Email = button(QStringLiteral("cmdGuest2Email"), getString(5868, QStringLiteral("E-mail")), false);
@@ -236,8 +276,10 @@ void ViewBooking::build()
     txtReference->setObjectName(QStringLiteral("txtReference"));
     gf->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
     auto *extras = new QHBoxLayout;
-    extras->addWidget(button(QStringLiteral("cmdExtra"), getString(5893, QStringLiteral("Add extra")), false));
-    extras->addWidget(button(QStringLiteral("cmdGuestAccount"), getString(5894, QStringLiteral("Room account")), false));
+    auto *extra = button(QStringLiteral("cmdExtra"), getString(5893, QStringLiteral("Add extra")), true);
+    auto *guestAccount = button(QStringLiteral("cmdGuestAccount"), getString(5894, QStringLiteral("Room account")), true);
+    extras->addWidget(extra);
+    extras->addWidget(guestAccount);
     gf->addRow(extras);
     lblDifferentAccount = new QLabel(getString(5895, QStringLiteral("This account is different from the booking account.")), guest);
     lblDifferentAccount->setObjectName(QStringLiteral("lblDifferentAccount"));
@@ -260,8 +302,10 @@ void ViewBooking::build()
     deposit->addWidget(calcDeposit);
     af->addRow(getString(5900, QStringLiteral("Deposit")), deposit);
     auto *accountButtons = new QHBoxLayout;
-    accountButtons->addWidget(button(QStringLiteral("cmdAccount"), getString(5901, QStringLiteral("Account")), false));
-    accountButtons->addWidget(button(QStringLiteral("cmdViewRates"), getString(5902, QStringLiteral("&View Rates")), false));
+    auto *accountButton = button(QStringLiteral("cmdAccount"), getString(5901, QStringLiteral("Account")), true);
+    accountButtons->addWidget(accountButton);
+    auto *viewRates = button(QStringLiteral("cmdViewRates"), getString(5902, QStringLiteral("&View Rates")), true);
+    accountButtons->addWidget(viewRates);
     af->addRow(accountButtons);
     right->addWidget(account);
 
@@ -276,12 +320,22 @@ void ViewBooking::build()
     layout->addLayout(right);
 
     connect(save, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSave));
+    connect(extra, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdExtra));
+    connect(guestAccount, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuestAccount));
+    connect(accountButton, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdAccount));
     connect(exit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdExit));
     connect(split, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdSplit));
     connect(print, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdPrint));
     connect(changeRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdChangeRooms));
     connect(viewRooms, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRooms));
+    connect(addRoom, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdAddRoom));
+    connect(cancelBooking, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdDelete));
+    connect(cancelRoom, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdDeleteRoom));
+    connect(viewRates, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdViewRates));
     connect(calcDeposit, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdCalcDeposit));
+    connect(m_madeByView, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeBy));
+    connect(m_guest1View, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1));
+    connect(m_guest2View, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2));
     connect(madeByChange, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdMadeByChange));
     connect(guest1Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest1Change));
     connect(guest2Change, &QPushButton::clicked, this, guarded(this, &ViewBooking::cmdGuest2Change));
@@ -299,8 +353,17 @@ void ViewBooking::build()
     connect(cboRateCode, &QComboBox::currentIndexChanged, this, guarded([this] { setDirty(); }));
     connect(txtNotes, &QPlainTextEdit::textChanged, this, guarded([this] { setDirty(); }));
     connect(dpReserved, &QDateTimeEdit::dateTimeChanged, this, guarded([this] { setDirty(); }));
-    connect(ckCheckedIn, &QCheckBox::toggled, this, guarded([this] { setDirty(); }));
-    connect(ckCheckedOut, &QCheckBox::toggled, this, guarded([this] { setDirty(); }));
+    // A room is checked in or checked out, never both: ticking one clears the other.
+    connect(ckCheckedIn, &QCheckBox::toggled, this, guarded([this](bool on) {
+        if (on)
+            ckCheckedOut->setChecked(false);
+        setDirty();
+    }));
+    connect(ckCheckedOut, &QCheckBox::toggled, this, guarded([this](bool on) {
+        if (on)
+            ckCheckedIn->setChecked(false);
+        setDirty();
+    }));
 }
 
 bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
@@ -316,6 +379,11 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     }
     m_loading = true;
     m_edit = *edit;
+    Guest leg;
+    leg.fetchLeg(db, bbBookingId, bbRoomId);
+    m_guestId = leg.BBGuestID;
+    // Extras that came from the server without an account get one now.
+    Extra::updateExtraWithAccount(db, bbBookingId, m_edit.bookingAccountId, m_guestId, m_edit.legAccountId);
 
     cboStatus->clear();
     for (const StatusEntry &status : statusList(db))
@@ -353,11 +421,8 @@ bool ViewBooking::load(qint32 bbBookingId, qint32 bbRoomId)
     txtDeposit->setText(formatAmount(m_edit.deposit));
     txtNotes->setPlainText(m_edit.notes);
     txtReference->setText(m_edit.reference);
-    lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
     showNames();
-    Account account;
-    const bool hasAccount = account.fetch(db, m_edit.bookingAccountId);
-    outInvoiceTo->setText(hasAccount ? clientNameOf(db, account.InvoiceTo) : outMadeBy->text());
+    refreshAccounts();
     getNoNights();
     refreshTotals();
     m_dirty = false;
@@ -395,6 +460,71 @@ void ViewBooking::refreshTotals()
             for (const DailyRate &night : leg.nights)
                 total += night.RoomRate;
     lblTotal->setText(formatAmount(roundMoney(total)));
+}
+
+void ViewBooking::refreshAccounts()
+{
+    Database &db = m_session.db();
+    Booking head;
+    head.fetch(db, m_edit.BBBookingID);
+    Guest leg;
+    leg.fetch(db, m_guestId);
+    // The money screens may have moved the booking or the room to another account.
+    m_edit.bookingAccountId = head.BBAccountID;
+    m_edit.legAccountId = leg.BBAccountID == 0 ? head.BBAccountID : leg.BBAccountID;
+    lblDifferentAccount->setVisible(m_edit.legAccountId != m_edit.bookingAccountId);
+    Account account;
+    const bool hasAccount = account.fetch(db, m_edit.bookingAccountId);
+    outInvoiceTo->setText(hasAccount ? clientNameOf(db, account.InvoiceTo) : outMadeBy->text());
+}
+
+void ViewBooking::cmdAccount()
+{
+    if (!guard())
+        return;
+    moneyScreens.account(this, m_edit.bookingAccountId);
+    refreshAccounts();
+    refreshTotals();
+    Database &db = m_session.db();
+    const auto selectStatus = [this](const char *code) {
+        const int at = cboStatus->findData(QString::fromLatin1(code));
+        if (at >= 0)
+            cboStatus->setCurrentIndex(at);
+        setDirty();
+    };
+    if (roundMoney(Account::getBalanceOnAccount(db, m_edit.bookingAccountId)) == 0.0
+        && cboStatus->currentData().toString() != QLatin1String("S")
+        && messages::ask(6636, QStringLiteral("This account has been settled in full. Would you like to mark this booking as 'Paid'?"), 6637,
+                         QStringLiteral("Mark booking as paid?")))
+        selectStatus("S");
+    const QString status = cboStatus->currentData().toString();
+    if ((status == QLatin1String("W") || status == QLatin1String("R") || status == QLatin1String("P"))
+        && Account::hasPayments(db, m_edit.bookingAccountId)
+        && messages::ask(6638, QStringLiteral("This account contains a payment. Would you like to mark this booking as 'Confirmed'?"), 6639,
+                         QStringLiteral("Mark booking as confirmed?")))
+        selectStatus("C");
+}
+
+void ViewBooking::cmdGuestAccount()
+{
+    if (!guard())
+        return;
+    moneyScreens.account(this, m_edit.legAccountId);
+    refreshAccounts();
+    refreshTotals();
+}
+
+void ViewBooking::cmdExtra()
+{
+    if (cboStatus->currentData().toString() == QLatin1String("R")) {
+        messages::inform(6655, QStringLiteral("Extras are not allowed on bookings that have status 'Reserved'. Change the status of the "
+                                              "booking if this is no longer required."),
+                         6693, QStringLiteral("Cannot add extra"));
+        return;
+    }
+    moneyScreens.extras(this, m_guestId);
+    refreshAccounts();
+    refreshTotals();
 }
 
 void ViewBooking::statusChanged(int index)
@@ -506,6 +636,8 @@ bool ViewBooking::cmdSave()
     }
     m_session.publish(outcome->changes);
     load(m_edit.BBBookingID, m_edit.roomId);
+    if (outcome->reviewRates && choosers.rates(this, m_edit.BBBookingID))
+        refreshTotals();
     return true;
 }
 
@@ -528,33 +660,54 @@ void ViewBooking::cmdSplit()
 
 void ViewBooking::cmdChangeRooms()
 {
-    Session &session = m_session;
-    std::vector<qint32> all;
-    for (const Room &room : session.property().rooms())
-        all.push_back(room.BBRoomID);
-    QStringList names;
-    std::vector<qint32> ids;
-    for (qint32 id : freeRooms(session.db(), session.calendar(), all, dpFrom->date(), nightCount(dpFrom->date(), dpTo->date()))) {
-        ids.push_back(id);
-        names << session.property().RoomName(id);
-    }
-    if (ids.empty()) {
-        messages::inform(5943, QStringLiteral("No other room is free for these dates."), 5917, QStringLiteral("Change Room"));
-        return;
-    }
-    bool ok = false;
-    const QString chosen = QInputDialog::getItem(this, getString(5917, QStringLiteral("Change Room")),
-                                                 getString(5918, QStringLiteral("Free rooms for these dates:")), names, 0,
-                                                 false, &ok);
-    if (!ok)
-        return;
-    const qint32 room = ids[size_t(names.indexOf(chosen))];
-    if (room == m_edit.roomId)
+    const qint32 room = choosers.changeRoom(this, m_edit.BBBookingID, m_edit.roomId, dpFrom->date(), dpTo->date());
+    if (room == 0 || room == m_edit.roomId)
         return;
     m_edit.roomId = room;
     fillRates();
-    lblRoomName->setText(session.property().RoomName(room));
+    lblRoomName->setText(m_session.property().RoomName(room));
     m_dirty = true;
+}
+
+void ViewBooking::cmdAddRoom()
+{
+    if (!guard())
+        return;
+    const qint32 room = choosers.addRoom(this, m_edit.BBBookingID, m_edit.loadedRoomId);
+    if (room != 0)
+        load(m_edit.BBBookingID, room);
+}
+
+void ViewBooking::cmdViewRates()
+{
+    if (!guard())
+        return;
+    if (choosers.rates(this, m_edit.BBBookingID))
+        refreshTotals();
+}
+
+void ViewBooking::cancelled(const Result<CancelOutcome> &outcome)
+{
+    if (!outcome) {
+        messages::show(outcome.refusal());
+        return;
+    }
+    if (!outcome->cancelled)
+        return;
+    m_session.publish(outcome->changes);
+    m_dirty = false;
+    accept();
+}
+
+void ViewBooking::cmdDelete()
+{
+    cancelled(BookingCancel(m_session.db(), m_session.getUser()).cancelBooking(m_edit.BBBookingID, m_cancelQuestions));
+}
+
+void ViewBooking::cmdDeleteRoom()
+{
+    cancelled(BookingCancel(m_session.db(), m_session.getUser())
+                  .cancelRoom(m_edit.BBBookingID, m_edit.loadedRoomId, m_cancelQuestions));
 }
 
 void ViewBooking::cmdViewRooms()
@@ -595,6 +748,9 @@ void ViewBooking::showNames()
     outMadeBy->setText(clientNameOf(db, m_edit.MadeBy));
     outGuest->setText(clientNameOf(db, m_edit.BBClientID));
     outGuest2->setText(clientNameOf(db, m_edit.BBClient2ID));
+    m_madeByView->setEnabled(m_edit.MadeBy > 0);
+    m_guest1View->setEnabled(m_edit.BBClientID > 0);
+    m_guest2View->setEnabled(m_edit.BBClient2ID > 0);
     m_guest2Del->setEnabled(m_edit.BBClient2ID != 0);
     m_guest2Email->setEnabled(m_edit.BBClient2ID != 0);
 }
@@ -608,6 +764,35 @@ bool ViewBooking::changeClient(qint32 &slot)
     m_dirty = true;
     showNames();
     return true;
+}
+
+void ViewBooking::viewClient(qint32 &slot)
+{
+    if (slot < 1)
+        return;
+    const qint32 saved = choosers.editClient(this, slot);
+    if (saved < 1)
+        return;
+    if (saved != slot) {
+        slot = saved;
+        m_dirty = true;
+    }
+    showNames();
+}
+
+void ViewBooking::cmdMadeBy()
+{
+    viewClient(m_edit.MadeBy);
+}
+
+void ViewBooking::cmdGuest1()
+{
+    viewClient(m_edit.BBClientID);
+}
+
+void ViewBooking::cmdGuest2()
+{
+    viewClient(m_edit.BBClient2ID);
 }
 
 void ViewBooking::cmdMadeByChange()

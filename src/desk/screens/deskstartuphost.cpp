@@ -1,15 +1,27 @@
 #include "desk/screens/deskstartuphost.h"
 
+#include "accounts/screens/accountform.h"
 #include "bookings/doublebookings.h"
+#include "bookings/screens/bookingsearchdialog.h"
+#include "bookings/screens/cancellations.h"
 #include "bookings/screens/checkinout.h"
 #include "bookings/screens/confirmbooking.h"
 #include "bookings/screens/doublebook.h"
+#include "bookings/screens/occupancydialog.h"
+#include "bookings/screens/quickquotedialog.h"
+#include "bookings/screens/roomswap.h"
 #include "bookings/screens/viewbooking.h"
+#include "clients/screens/clientdelete.h"
+#include "clients/screens/clienthistorydialog.h"
+#include "clients/screens/clientsearchdialogs.h"
+#include "clients/screens/sourcecodemt.h"
+#include "clients/screens/viewclient.h"
 #include "reports/screens/reportlauncher.h"
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
 #include "desk/screens/mainwindow.h"
+#include "reports/screens/accountdocuments.h"
 #include "synch/screens/dlgemergencysynch.h"
 #include "synch/screens/dlgsynch.h"
 #include "synch/screens/dlgupgrade.h"
@@ -23,11 +35,20 @@ namespace fenlark {
 DeskStartupHost::DeskStartupHost()
 {
     SecurityAudit::setPrompt(&m_reasonPrompt);
+    AccountDeskHooks documents;
+    documents.printDocument = [](Session &session, QWidget *, const QString &type, qint32 accountId) {
+        printAccountDocument(session, type, accountId, true, false);
+    };
+    documents.openDocument = [](Session &session, QWidget *, const QString &type, qint32 accountId) {
+        printAccountDocument(session, type, accountId, false, false);
+    };
+    AccountDeskHooks::install(std::move(documents));
 }
 
 DeskStartupHost::~DeskStartupHost()
 {
     SecurityAudit::setPrompt(nullptr);
+    AccountDeskHooks::install({});
 }
 
 void DeskStartupHost::askLanguage()
@@ -109,10 +130,51 @@ DeskSeams standardSeams()
     seams.checkInOut = [](MainWindow &w, int mode) {
         CheckInOut::initialise(w.session(), mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, w.bookingOpener(), &w);
     };
+    seams.clientMaintenance = [](MainWindow &w) {
+        ViewClientOpener editor(w.session());
+        ClientMaintenance dialog(w.session().db(), editor, &w);
+        dialog.exec();
+    };
+    seams.clientHistory = [](MainWindow &w) {
+        ClientHistory dialog(w.session(), w.bookingOpener(), &w);
+        dialog.exec();
+    };
+    seams.clientRetire = [](MainWindow &w) {
+        ClientDelete dialog(w.session(), &w);
+        dialog.exec();
+    };
+    seams.replaceSource = [](MainWindow &w) {
+        SourceCodeMT dialog(w.session(), &w);
+        dialog.exec();
     seams.runReport = [](MainWindow &w, int number) {
         ReportLauncher launcher(w.session(), &w);
         launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };
         launcher.run(number);
+    };
+    seams.swapRoom = [](MainWindow &w) {
+        RoomSwapDialog dialog(w.session(), &w);
+        dialog.exec();
+    };
+    seams.search = [](MainWindow &w) {
+        BookingSearchDialog dialog(w.session(), w.bookingOpener(), [&w](QDate from) { w.setFromDate(from); }, &w);
+        dialog.exec();
+    };
+    seams.quickQuote = [](MainWindow &w, QDate arrival, int nights) {
+        QuickQuoteDialog dialog(w.session(), w.rates(), arrival, nights, &w);
+        dialog.exec();
+    };
+    seams.occupancy = [](MainWindow &w) {
+        OccupancyDialog dialog(w.session(), w.rates(), &w);
+        dialog.exec();
+    };
+    seams.cancellations = [](MainWindow &w) {
+        {
+            Cancellations dialog(w.session(), w.rates(), &w);
+            dialog.fill();
+            dialog.exec();
+        }
+        // A restore may have put a guest in a room sold meanwhile.
+        return w.checkDoubleBookings(true);
     };
     seams.upgrade = [](MainWindow &w) {
         DlgUpgrade dialog(&w);

@@ -1,6 +1,8 @@
 #include "desk/screens/mainwindow.h"
 
 #include "accounts/accountvalidator.h"
+#include "accounts/screens/accountsearchdialogs.h"
+#include "accounts/screens/ledgerdialogs.h"
 #include "desk/screens/deskstartuphost.h"
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
@@ -330,6 +332,18 @@ void MainWindow::buildControls()
                 m_seams.checkInOut(*this, mode);
         }));
     }
+    connect(button(QStringLiteral("cmdSwapRoom")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.swapRoom)
+            m_seams.swapRoom(*this);
+    }));
+    connect(button(QStringLiteral("cmdSearch")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.search)
+            m_seams.search(*this);
+    }));
+    connect(button(QStringLiteral("cmdQuote")), &QPushButton::clicked, this, guarded([this] {
+        if (m_seams.quickQuote)
+            m_seams.quickQuote(*this, m_inDate->date(), m_nights->text().toInt());
+    }));
     connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, guarded(this, &MainWindow::manualSynch));
     connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, guarded(this, &QWidget::close));
 }
@@ -382,6 +396,10 @@ void MainWindow::buildMenus()
             guarded([this] { openFolder(config::invoiceDir(m_session->dbNumber())); }));
     connect(menuAction(QStringLiteral("m2vmfolder")), &QAction::triggered, this, guarded([this] { openFolder(Home::path()); }));
     connect(menuAction(QStringLiteral("m2AccountsCloseEmpty")), &QAction::triggered, this, guarded(this, &MainWindow::closeEmptyAccounts));
+    connect(menuAction(QStringLiteral("m2AccountsSearch")), &QAction::triggered, this,
+            guarded([this] { AccountsList::initialise(*m_session, this); }));
+    connect(menuAction(QStringLiteral("m2Transactions")), &QAction::triggered, this,
+            guarded([this] { ClientTranSearch::initialise(*m_session, this); }));
     connect(menuAction(QStringLiteral("m2Exit")), &QAction::triggered, this, guarded(this, &QWidget::close));
     connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, guarded(this, &MainWindow::manualSynch));
     connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, guarded([this] {
@@ -393,6 +411,18 @@ void MainWindow::buildMenus()
         if (m_seams.doubleBookings && messages::ask(2299, ask, 2299, ask) && !checkDoubleBookings(false))
             endNicely();
     }));
+    const std::pair<const char *, std::function<void(MainWindow &)> DeskSeams::*> clientScreens[] = {
+        {"m2Client", &DeskSeams::clientMaintenance},
+        {"m2ClientHistory", &DeskSeams::clientHistory},
+        {"m2ClientRetire", &DeskSeams::clientRetire},
+        {"m2Source", &DeskSeams::replaceSource},
+    };
+    for (const auto &[name, seam] : clientScreens) {
+        connect(menuAction(QString::fromLatin1(name)), &QAction::triggered, this, guarded([this, seam = seam] {
+            if (m_seams.*seam)
+                (m_seams.*seam)(*this);
+        }));
+    }
     for (int number = 1; number <= 12; ++number) {
         connect(menuAction(QStringLiteral("m2xl%1").arg(number)), &QAction::triggered, this, guarded([this, number] {
             if (m_seams.runReport)
@@ -403,6 +433,14 @@ void MainWindow::buildMenus()
     connect(menuAction(QStringLiteral("m2ClientReport")), &QAction::triggered, this, guarded([this] {
         if (m_seams.runReport)
             m_seams.runReport(*this, 4);
+    }));
+    connect(menuAction(QStringLiteral("m2Occupancy")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.occupancy)
+            m_seams.occupancy(*this);
+    }));
+    connect(menuAction(QStringLiteral("m2Cancellations")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.cancellations && !m_seams.cancellations(*this))
+            endNicely();
     }));
     connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
@@ -463,18 +501,19 @@ void MainWindow::setSeams(DeskSeams seams)
 
 void MainWindow::updateCommandStates()
 {
-    // Commands whose screens belong to work not yet connected stay visible but disabled.
-    static const char *notYetButtons[] = {"cmdQuote", "cmdSearch", "cmdSwapRoom"};
-    for (const char *name : notYetButtons)
-        button(QString::fromLatin1(name))->setEnabled(false);
+    // A command whose screen is not connected stays visible but disabled.
     button(QStringLiteral("cmdView"))->setEnabled(bool(m_seams.viewBooking));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdSearch"))->setEnabled(bool(m_seams.search));
+    button(QStringLiteral("cmdSwapRoom"))->setEnabled(bool(m_seams.swapRoom));
     button(QStringLiteral("cmdSynch"))->setEnabled(bool(m_seams.synchronise));
     button(QStringLiteral("cmdCheckIn"))->setEnabled(bool(m_seams.checkInOut));
     button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
 
     static const char *activeActions[] = {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
-                                          "m2Exit", "m2Options", "m2About", "m2AccountsCloseEmpty"};
+                                          "m2Exit", "m2Options", "m2About", "m2AccountsCloseEmpty", "m2AccountsSearch",
+                                          "m2Transactions"};
     for (QAction *action : m_actions) {
         bool on = false;
         for (const char *name : activeActions)
@@ -484,9 +523,15 @@ void MainWindow::updateCommandStates()
     menuAction(QStringLiteral("m2SynchLD"))->setEnabled(bool(m_seams.synchronise));
     menuAction(QStringLiteral("m2SynchFull"))->setEnabled(bool(m_seams.emergencySynch));
     menuAction(QStringLiteral("m2DoubleBooking"))->setEnabled(bool(m_seams.doubleBookings));
+    menuAction(QStringLiteral("m2Client"))->setEnabled(bool(m_seams.clientMaintenance));
+    menuAction(QStringLiteral("m2ClientHistory"))->setEnabled(bool(m_seams.clientHistory));
+    menuAction(QStringLiteral("m2ClientRetire"))->setEnabled(bool(m_seams.clientRetire));
+    menuAction(QStringLiteral("m2Source"))->setEnabled(bool(m_seams.replaceSource));
     for (int number = 1; number <= 12; ++number)
         menuAction(QStringLiteral("m2xl%1").arg(number))->setEnabled(bool(m_seams.runReport));
     menuAction(QStringLiteral("m2ClientReport"))->setEnabled(bool(m_seams.runReport));
+    menuAction(QStringLiteral("m2Occupancy"))->setEnabled(bool(m_seams.occupancy));
+    menuAction(QStringLiteral("m2Cancellations"))->setEnabled(bool(m_seams.cancellations));
     menuAction(QStringLiteral("m2Upgrade"))->setEnabled(bool(m_seams.upgrade));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
@@ -560,6 +605,7 @@ void MainWindow::clearRoomList()
     m_rooms->clear();
     m_out->clear();
     button(QStringLiteral("cmdBook"))->setEnabled(false);
+    button(QStringLiteral("cmdQuote"))->setEnabled(false);
 }
 
 void MainWindow::inDateChanged()
@@ -691,6 +737,7 @@ void MainWindow::checkRooms()
     }
     m_out->setText(deskLocale().toString(from.addDays(nights), QStringLiteral("ddd dd MMM yyyy")));
     button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
 }
 
 void MainWindow::book()

@@ -47,8 +47,27 @@ struct DeskSeams {
     std::function<bool(MainWindow &, bool onStart)> doubleBookings;
     // Today's arrivals (mode 1) or departures.
     std::function<void(MainWindow &, int mode)> checkInOut;
+    // Clients > Client Search: the client browser, from which the client editor opens.
+    std::function<void(MainWindow &)> clientMaintenance;
+    // Clients > Client History: every booking a chosen client had a part in.
+    std::function<void(MainWindow &)> clientHistory;
+    // Clients > Client Retire: one client retired into another.
+    std::function<void(MainWindow &)> clientRetire;
+    // Tools > Replace Marketing Source: a source renamed on the desk's bookings.
+    std::function<void(MainWindow &)> replaceSource;
     // Report number 1 to 12: its permission, its criteria and the report.
     std::function<void(MainWindow &, int number)> runReport;
+    // Two rooms staying on a date exchange their guests.
+    std::function<void(MainWindow &)> swapRoom;
+    // The booking search; it may open bookings and move the calendar.
+    std::function<void(MainWindow &)> search;
+    // The free room types and their prices for a stay, preset from the new-booking panel.
+    std::function<void(MainWindow &, QDate arrival, int nights)> quickQuote;
+    // How full chosen rooms were between two dates.
+    std::function<void(MainWindow &)> occupancy;
+    // The cancelled rooms, to restore; false when the check for rooms sold
+    // twice that follows it ended with the user leaving the program.
+    std::function<bool(MainWindow &)> cancellations;
     // The software upgrade dialog.
     std::function<void(MainWindow &)> upgrade;
 };

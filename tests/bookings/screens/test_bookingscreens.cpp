@@ -222,7 +222,13 @@ private Q_SLOTS:
 
         sink.answer = true;   // change all legs; look at the rates
         desk.published = Changes();
+        QList<qint32> ratesOpened;
+        editor.choosers.rates = [&ratesOpened](QWidget *, qint32 booking) {
+            ratesOpened << booking;
+            return false;
+        };
         QVERIFY(editor.cmdSave());
+        QCOMPARE(ratesOpened, QList<qint32>{id});
         QVERIFY(desk.published.bookings().contains(id));
         QVERIFY(!editor.isDirty());
         Booking head;
@@ -414,6 +420,39 @@ private Q_SLOTS:
         editor.cmdGuest2del();
         QCOMPARE(editor.edit().BBClient2ID, 0);
         QVERIFY(editor.isDirty());
+    }
+
+    void viewButtonsOpenTheClientEditorAndTakeAClientItMade()
+    {
+        ScreenDesk desk;
+        Database &db = desk.db();
+        const qint32 id = bookRooms(desk, {1});
+        ViewBooking editor(*desk.session, desk.rates);
+        QVERIFY(editor.load(id, 1));
+        const qint32 guest = editor.edit().BBClientID;
+        auto *viewGuest2 = editor.findChild<QPushButton *>(QStringLiteral("cmdGuest2"));
+        QVERIFY(editor.findChild<QPushButton *>(QStringLiteral("cmdMadeBy"))->isEnabled());
+        QVERIFY(editor.findChild<QPushButton *>(QStringLiteral("cmdGuest1"))->isEnabled());
+        QVERIFY(!viewGuest2->isEnabled());   // no second guest to show
+
+        QList<qint32> opened;
+        qint32 saved = 0;
+        editor.choosers.editClient = [&](QWidget *, qint32 client) {
+            opened << client;
+            return saved;
+        };
+        editor.cmdGuest1();   // cancelled in the editor
+        QCOMPARE(opened, QList<qint32>{guest});
+        QVERIFY(!editor.isDirty());
+        saved = guest;        // saved in place: the booking keeps its guest
+        editor.cmdMadeBy();
+        QVERIFY(!editor.isDirty());
+        saved = addClient(db, QStringLiteral("Split"));   // saved as a new client
+        editor.cmdGuest1();
+        QCOMPARE(editor.edit().BBClientID, saved);
+        QCOMPARE(labelText(editor, "outGuest"), QStringLiteral("Split"));
+        QVERIFY(editor.isDirty());
+        QCOMPARE(opened.size(), 3);
     }
 
     void sourceListPicksAndCommissionFollowsTheSource()

@@ -141,6 +141,24 @@ private Q_SLOTS:
         QCOMPARE(sink.shownIds(), QList<int>{2286});
     }
 
+    void clientMenusOpenTheirScreens()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        QStringList opened;
+        DeskSeams seams;
+        seams.clientMaintenance = [&](MainWindow &) { opened << "browser"; };
+        seams.clientHistory = [&](MainWindow &) { opened << "history"; };
+        seams.clientRetire = [&](MainWindow &) { opened << "retire"; };
+        seams.replaceSource = [&](MainWindow &) { opened << "sources"; };
+        window.setSeams(seams);
+        for (const char *name : {"m2Client", "m2ClientHistory", "m2ClientRetire", "m2Source"}) {
+            QVERIFY2(window.menuAction(name)->isEnabled(), name);
+            window.menuAction(name)->trigger();
+        }
+        QCOMPARE(opened, QStringList({"browser", "history", "retire", "sources"}));
+    }
+
     void reportEntriesRunTheirReportsAndTheClientsMenuRunsTheClientReport()
     {
         TestDatabase t;
@@ -203,6 +221,52 @@ private Q_SLOTS:
         changed = true;
         window.button("cmdSynch")->click();
         QCOMPARE(checks, 1);
+        QVERIFY(!window.isVisible());
+    }
+
+    void theMaintenanceCommandsOpenTheirScreensThroughTheSeams()
+    {
+        TestDatabase t;
+        MainWindow window(makeSession(t));
+        QStringList opened;
+        std::pair<QDate, int> quoted;
+        bool stay = true;
+        DeskSeams seams;
+        seams.swapRoom = [&](MainWindow &) { opened << "swap"; };
+        seams.search = [&](MainWindow &) { opened << "search"; };
+        seams.quickQuote = [&](MainWindow &, QDate arrival, int nights) {
+            opened << "quote";
+            quoted = {arrival, nights};
+        };
+        seams.occupancy = [&](MainWindow &) { opened << "occupancy"; };
+        seams.cancellations = [&](MainWindow &) {
+            opened << "cancellations";
+            return stay;
+        };
+        window.setSeams(seams);
+        window.show();
+        window.initialise();
+        for (const char *name : {"cmdSwapRoom", "cmdSearch"})
+            QVERIFY2(window.button(name)->isEnabled(), name);
+        QVERIFY(!window.button("cmdQuote")->isEnabled());   // no rooms listed yet
+        window.button("cmdSwapRoom")->click();
+        window.button("cmdSearch")->click();
+        window.menuAction("m2Occupancy")->trigger();
+        window.menuAction("m2Cancellations")->trigger();
+
+        // The quote starts from the new-booking panel's stay.
+        window.inDateEdit()->setDate(QDate::currentDate().addDays(20));
+        window.nightsEdit()->setText("3");
+        window.checkRooms();
+        QVERIFY(window.button("cmdQuote")->isEnabled());
+        window.button("cmdQuote")->click();
+        QCOMPARE(opened, (QStringList{"swap", "search", "occupancy", "cancellations", "quote"}));
+        QCOMPARE(quoted, std::make_pair(QDate::currentDate().addDays(20), 3));
+
+        // Leaving the program from the double-booking check after the list ends the desk.
+        QVERIFY(window.isVisible());
+        stay = false;
+        window.menuAction("m2Cancellations")->trigger();
         QVERIFY(!window.isVisible());
     }
 

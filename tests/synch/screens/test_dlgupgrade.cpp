@@ -29,7 +29,7 @@ public:
         writeConfig(QStringLiteral("BackupDir"), t.file(QStringLiteral("backups")));
         store = std::make_unique<ReferenceServer>(serverDir.filePath(QStringLiteral("server.db")), QStringLiteral("dlgupgrade"));
         store->createProperty(Bbid, QStringLiteral("pw"), QStringLiteral("Reed House"));
-        front = std::make_unique<HttpFront>(*store);
+        front = std::make_unique<HttpFront>(serverDir.filePath(QStringLiteral("server.db")));
         writeConfig(QStringLiteral("Server"), QStringLiteral("127.0.0.1:%1").arg(front->listen(QHostAddress::LocalHost, 0)));
     }
 
