@@ -146,6 +146,7 @@ DeskSeams standardSeams()
     seams.replaceSource = [](MainWindow &w) {
         SourceCodeMT dialog(w.session(), &w);
         dialog.exec();
+    };
     seams.runReport = [](MainWindow &w, int number) {
         ReportLauncher launcher(w.session(), &w);
         launcher.openFile = [&w](const QString &path) { return w.openUrl(QUrl::fromLocalFile(path)); };
