@@ -2,11 +2,12 @@
 
 #include "shell/changelog.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
+#include "shell/screens/waitcursor.h"
 #include "shell/strings.h"
 #include "synch/emergencysynch.h"
 #include "synch/screens/dlgsynch.h"
 
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -26,8 +27,8 @@ DlgEmergencySynch::DlgEmergencySynch(QWidget *parent) : QDialog(parent), m_txtCo
     ok->setObjectName(QStringLiteral("cmdOK"));
     QPushButton *cancel = buttons->addButton(getString(6031, QStringLiteral("Cancel")), QDialogButtonBox::RejectRole);
     cancel->setObjectName(QStringLiteral("cmdCancel"));
-    connect(ok, &QPushButton::clicked, this, &DlgEmergencySynch::onOk);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(ok, &QPushButton::clicked, this, guarded(this, &DlgEmergencySynch::onOk));
+    connect(cancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel(getString(6029, QStringLiteral("Access code:")), this));
     layout->addWidget(m_txtCode);
@@ -37,7 +38,7 @@ DlgEmergencySynch::DlgEmergencySynch(QWidget *parent) : QDialog(parent), m_txtCo
 void DlgEmergencySynch::onOk()
 {
     if (!emergencyAccessGranted(m_txtCode->text())) {
-        messages::critical(getString(6025, QStringLiteral("Incorrect password.")), getString(6026, QStringLiteral("Incorrect password")));
+        messages::critical(6025, QStringLiteral("Incorrect password."), 6026, QStringLiteral("Incorrect password"));
         return;
     }
     m_good = true;
@@ -50,12 +51,14 @@ bool synchEntireDatabase(Database &db, QWidget *parent)
     dialog.exec();
     if (!dialog.goodPassword())
         return false;
-    if (!messages::question(getString(6027, QStringLiteral("Are you sure you want to synchronise your entire database?")),
-                            getString(6028, QStringLiteral("Synchronise entire database?"))))
+    // Sending everything again is heavy on both sides: No unless the user says so.
+    if (!messages::ask(6027, QStringLiteral("Are you sure you want to synchronise your entire database?"), 6028,
+                       QStringLiteral("Synchronise entire database?"), true))
         return false;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    ChangeLog::markAllChanged(db);
-    QApplication::restoreOverrideCursor();
+    {
+        WaitCursor wait;
+        ChangeLog::markAllChanged(db);
+    }
     return synchManually(db, parent);
 }
 
