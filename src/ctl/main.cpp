@@ -40,6 +40,10 @@ int main(int argc, char *argv[])
     const std::vector<Verb> verbs = allVerbs();
     if (args.isEmpty())
         return usage(verbs);
+    if (args.constFirst() == QLatin1String("--version")) {
+        std::printf("fenlarkctl %s\n", FENLARK_VERSION);
+        return 0;
+    }
     const QString name = args.takeFirst();
     for (const Verb &v : verbs) {
         if (name == QLatin1String(v.name)) {
@@ -48,7 +52,7 @@ int main(int argc, char *argv[])
                                              QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
                                              QStringLiteral("clear"), QStringLiteral("beds"),
                                              QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat"),
-                                             QStringLiteral("as-new")}));
+                                             QStringLiteral("as-new"), QStringLiteral("download")}));
             } catch (const DatabaseError &e) {
                 return fail(e.explanation() + QStringLiteral(" (") + e.message() + QStringLiteral(")"));
             } catch (const std::exception &e) {

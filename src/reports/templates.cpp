@@ -1,6 +1,7 @@
 #include "reports/templates.h"
 
 #include "shell/config.h"
+#include "shell/datadir.h"
 #include "shell/home.h"
 #include "shell/strings.h"
 
@@ -13,7 +14,13 @@ namespace fenlark {
 QString shippedTemplate(const QString &stem, const QString &extension)
 {
     const QString language = StringTable::instance().language() == SpanishLanguage ? QStringLiteral("es") : QStringLiteral("en");
-    const QString path = QStringLiteral(":/templates/%1/%2.%3").arg(language, stem, extension);
+    const QString relative = QStringLiteral("templates/%1/%2.%3").arg(language, stem, extension);
+    // An installed copy comes first, so a machine's administrator can put the
+    // house style in place for every user; the compiled-in one is always there.
+    const QString dataDir = installedDataDir();
+    if (!dataDir.isEmpty() && QFileInfo(dataDir + QLatin1Char('/') + relative).isFile())
+        return dataDir + QLatin1Char('/') + relative;
+    const QString path = QStringLiteral(":/") + relative;
     return QFile::exists(path) ? path : QString();
 }
 

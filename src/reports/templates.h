@@ -13,8 +13,9 @@ namespace fenlark {
 // result is the path looked for (with the first extension) when there is none.
 QString findTemplate(const QString &stem, int dbNumber, const QStringList &extensions);
 
-// Fenlark's own template of that stem and extension in the current language, as a
-// resource path; empty when none ships.
+// Fenlark's own template of that stem and extension in the current language: the
+// installed copy in the data folder when there is one, else the compiled-in
+// resource; empty when none ships.
 QString shippedTemplate(const QString &stem, const QString &extension);
 
 } // namespace fenlark

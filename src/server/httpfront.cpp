@@ -6,6 +6,8 @@
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPointer>
 #include <QRandomGenerator>
 #include <QTcpServer>
@@ -118,6 +120,38 @@ SynchAnswer synchronisationAnswer(ReferenceServer &store, const HttpRequest &req
     }
     answer.response.body = applyReplyFault(answer.fault, reply).toUtf8();
     return answer;
+}
+
+// "/download/fenlark.json" describes the release on offer (version, package,
+// notes); "/download/<package>" is the package itself.
+HttpResponse answerDownload(ReferenceServer &store, const HttpRequest &request)
+{
+    HttpResponse response;
+    const QString name = QString::fromUtf8(request.path.mid(10));
+    const bool description = name == QLatin1String("fenlark.json");
+    try {
+        const UpgradeRelease release = store.offeredUpgrade(!description);
+        if (!release.version.isEmpty() && description) {
+            const QJsonObject offer{{QStringLiteral("version"), release.version},
+                                    {QStringLiteral("package"), release.package},
+                                    {QStringLiteral("notes"), release.notes}};
+            response.contentType = "application/json";
+            response.body = QJsonDocument(offer).toJson(QJsonDocument::Compact);
+            return response;
+        }
+        if (!release.version.isEmpty() && name == release.package) {
+            response.contentType = "application/vnd.debian.binary-package";
+            response.body = release.bytes;
+            return response;
+        }
+    } catch (const std::exception &) {
+        response.status = 500;
+        response.body = "Server store failure.";
+        return response;
+    }
+    response.status = 404;
+    response.body = "No such download.";
+    return response;
 }
 
 HttpResponse answerAdmin(ReferenceServer &store, const HttpRequest &request)
@@ -290,15 +324,23 @@ void HttpFront::dispatch(HttpConnection &connection, HttpRequest request)
         });
         return;
     }
+    if (path.startsWith("/download/")) {
+        QPointer<HttpConnection> target(&connection);
+        m_workers->post([this, target, request = std::move(request)](ReferenceServer &store) {
+            const HttpResponse response = answerDownload(store, request);
+            QMetaObject::invokeMethod(this, [target, response] {
+                if (target)
+                    target->respond(response);
+            }, Qt::QueuedConnection);
+        });
+        return;
+    }
     HttpResponse response;
     if (path == "/moorgate/paymoorgate") {
         response.contentType = "text/html; charset=utf-8";
         response.body = QStringLiteral("<html><body><h1>Online payment</h1><p>Property %1: online payment is not taken by this server.</p></body></html>")
                             .arg(request.text("bbid").toInt())
                             .toUtf8();
-    } else if (path.startsWith("/download")) {
-        response.status = 404;
-        response.body = "No downloads are offered by this server.";
     } else {
         response.status = 404;
         response.body = "Not found.";

@@ -2,6 +2,8 @@
 #include "server/referenceserver.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QHostAddress>
 
@@ -28,6 +30,8 @@ int usage()
                  "  edit --bbid N --table T --tableid ID --set COLUMN=VALUE [--set ...]\n"
                  "  delete --bbid N --table T --tableid ID\n"
                  "  set-setup --bbid N --table T --rows JSON\n"
+                 "  offer-upgrade --version V --package FILE [--notes TEXT]\n"
+                 "                        offer a release for upgrade (--version \"\" withdraws it)\n"
                  "  fault --name drop|stall|garbled|truncated|fail|duplicate-acks|shuffle|none [--count N, -1 for always]\n");
     return 2;
 }
@@ -142,6 +146,18 @@ int main(int argc, char *argv[])
             store.deleteRow(bbid, o.value("table"), o.value("tableid").toInt());
         } else if (command == QLatin1String("set-setup")) {
             store.setSetupTable(bbid, o.value("table"), json::parse(o.value("rows")));
+        } else if (command == QLatin1String("offer-upgrade")) {
+            UpgradeRelease release;
+            release.version = o.value("version");
+            release.notes = o.value("notes");
+            if (!release.version.isEmpty()) {
+                QFile package(o.value("package"));
+                if (!package.open(QIODevice::ReadOnly))
+                    throw ServerError(QStringLiteral("cannot read the package %1").arg(package.fileName()));
+                release.package = QFileInfo(package.fileName()).fileName();
+                release.bytes = package.readAll();
+            }
+            store.offerUpgrade(release);
         } else if (command == QLatin1String("fault")) {
             store.setFault(o.value("name"), o.value("count", QStringLiteral("1")).toInt());
         } else {

@@ -119,6 +119,8 @@ ReferenceServer::ReferenceServer(const QString &path, const QString &connectionN
     exec(QStringLiteral("create table if not exists outbox (id integer primary key autoincrement, bbid integer not null, "
                         "tablename text not null, tableid integer not null, logtype text not null)"));
     exec(QStringLiteral("create table if not exists fault (name text primary key, remaining integer not null)"));
+    exec(QStringLiteral("create table if not exists upgrade (id integer primary key check (id = 1), version text not null, "
+                        "package text not null, notes text not null, bytes blob not null)"));
 }
 
 ReferenceServer::~ReferenceServer()
@@ -338,9 +340,39 @@ QString ReferenceServer::handleSetup(qint32 bbid, const QString &password, const
 
 QString ReferenceServer::handleUpgrade(qint32 bbid, const QString &password)
 {
+    // The desk shows any reply but "OK" as the reason, so the reasons are plain text.
     if (!authenticate(bbid, password))
-        return failReply(QStringLiteral("401"), QStringLiteral("Incorrect BBID / Password"));
-    return QStringLiteral("{\"success\":true,\"upgrade\":false}");
+        return QStringLiteral("Incorrect BBID / Password");
+    if (!scalar(QStringLiteral("select 1 from upgrade")).isValid())
+        return QStringLiteral("No upgrade is available.");
+    return QStringLiteral("OK");
+}
+
+void ReferenceServer::offerUpgrade(const UpgradeRelease &release)
+{
+    if (release.version.trimmed().isEmpty()) {
+        exec(QStringLiteral("delete from upgrade"));
+        return;
+    }
+    if (release.package.isEmpty() || release.package.contains(QLatin1Char('/')) || release.package.startsWith(QLatin1Char('.')))
+        throw ServerError(QStringLiteral("the package is named by a plain file name"));
+    exec(QStringLiteral("insert or replace into upgrade (id, version, package, notes, bytes) values (1, ?, ?, ?, ?)"),
+         {release.version.trimmed(), release.package, release.notes, release.bytes});
+}
+
+UpgradeRelease ReferenceServer::offeredUpgrade(bool withBytes)
+{
+    UpgradeRelease release;
+    QSqlQuery &q = exec(withBytes ? QStringLiteral("select version, package, notes, bytes from upgrade")
+                                  : QStringLiteral("select version, package, notes, x'' from upgrade"));
+    if (q.next()) {
+        release.version = q.value(0).toString();
+        release.package = q.value(1).toString();
+        release.notes = q.value(2).toString();
+        release.bytes = q.value(3).toByteArray();
+    }
+    q.finish();
+    return release;
 }
 
 // ------------------------------------------------------------------ rows

@@ -2,6 +2,7 @@
 
 #include "synch/json.h"
 
+#include <QByteArray>
 #include <QDate>
 #include <QHash>
 #include <QSqlDatabase>
@@ -32,6 +33,15 @@ struct OnlineBooking {
     QString status = QStringLiteral("C");
 };
 
+// The release the server offers for upgrade: its version, the package's file
+// name under "/download", the package itself and its release notes.
+struct UpgradeRelease {
+    QString version;
+    QString package;
+    QString notes;
+    QByteArray bytes;
+};
+
 // The server ids of the rows an online booking made.
 struct OnlineBookingIds {
     qint32 client = 0, account = 0, booking = 0, guest = 0;
@@ -54,7 +64,7 @@ public:
     QString handleSetup(qint32 bbid, const QString &password, const QString &pcSynchCounter);
     // "pcsynch": one message in, one reply out.
     QString handlePcSynch(qint32 bbid, const QString &password, const QString &message);
-    // "upgrade": whether an upgrade is offered (never, here).
+    // "upgrade": "OK" when a release is on offer to this property, else the reason.
     QString handleUpgrade(qint32 bbid, const QString &password);
     // The password arguments of the protocol are as the desk puts them on the wire,
     // URL-encoded by the low byte of each character and decoded here to those bytes
@@ -73,6 +83,10 @@ public:
     // Changes columns of a stored row and queues it for the PC.
     void editRow(qint32 bbid, const QString &table, qint32 tableId, const JsonObject &changes);
     void deleteRow(qint32 bbid, const QString &table, qint32 tableId);
+    // Puts a release on offer (an empty version withdraws the offer).
+    void offerUpgrade(const UpgradeRelease &release);
+    // The release on offer, with its bytes when withBytes; an empty version when none.
+    UpgradeRelease offeredUpgrade(bool withBytes);
 
     // --- faults for tests: a name and how many requests it still hits (-1: all)
     void setFault(const QString &name, int count);

@@ -24,6 +24,7 @@
 #include "reports/screens/accountdocuments.h"
 #include "synch/screens/dlgemergencysynch.h"
 #include "synch/screens/dlgsynch.h"
+#include "synch/screens/dlgupgrade.h"
 #include "synch/synchrun.h"
 
 #include <QApplication>
@@ -175,6 +176,10 @@ DeskSeams standardSeams()
         }
         // A restore may have put a guest in a room sold meanwhile.
         return w.checkDoubleBookings(true);
+    };
+    seams.upgrade = [](MainWindow &w) {
+        DlgUpgrade dialog(&w);
+        dialog.exec();
     };
     return seams;
 }

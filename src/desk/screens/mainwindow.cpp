@@ -457,6 +457,10 @@ void MainWindow::buildMenus()
     connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
     connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
     connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, guarded(this, &MainWindow::showAbout));
+    connect(menuAction(QStringLiteral("m2Upgrade")), &QAction::triggered, this, guarded([this] {
+        if (m_seams.upgrade)
+            m_seams.upgrade(*this);
+    }));
 }
 
 void MainWindow::retranslate()
@@ -540,6 +544,7 @@ void MainWindow::updateCommandStates()
     menuAction(QStringLiteral("m2ClientReport"))->setEnabled(bool(m_seams.runReport));
     menuAction(QStringLiteral("m2Occupancy"))->setEnabled(bool(m_seams.occupancy));
     menuAction(QStringLiteral("m2Cancellations"))->setEnabled(bool(m_seams.cancellations));
+    menuAction(QStringLiteral("m2Upgrade"))->setEnabled(bool(m_seams.upgrade));
     button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
 }
 

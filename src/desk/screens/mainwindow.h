@@ -69,6 +69,8 @@ struct DeskSeams {
     // The cancelled rooms, to restore; false when the check for rooms sold
     // twice that follows it ended with the user leaving the program.
     std::function<bool(MainWindow &)> cancellations;
+    // The software upgrade dialog.
+    std::function<void(MainWindow &)> upgrade;
 };
 
 // frmMain: the desk's main window. It owns the session and the rate data and is
