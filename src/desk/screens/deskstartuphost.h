@@ -9,10 +9,6 @@ namespace fenlark {
 
 class AboutDialog;
 class MainWindow;
-struct DeskSeams;
-
-// The screens of every subsystem as the desk opens them.
-DeskSeams standardSeams();
 
 // The desk's side of start-up: dialogs, splash and the main window.
 class DeskStartupHost : public StartupHost {

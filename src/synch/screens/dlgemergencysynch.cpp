@@ -1,12 +1,9 @@
 #include "synch/screens/dlgemergencysynch.h"
 
-#include "shell/changelog.h"
 #include "shell/messages.h"
 #include "shell/strings.h"
 #include "synch/emergencysynch.h"
-#include "synch/screens/dlgsynch.h"
 
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -42,21 +39,6 @@ void DlgEmergencySynch::onOk()
     }
     m_good = true;
     accept();
-}
-
-bool synchEntireDatabase(Database &db, QWidget *parent)
-{
-    DlgEmergencySynch dialog(parent);
-    dialog.exec();
-    if (!dialog.goodPassword())
-        return false;
-    if (!messages::question(getString(6027, QStringLiteral("Are you sure you want to synchronise your entire database?")),
-                            getString(6028, QStringLiteral("Synchronise entire database?"))))
-        return false;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    ChangeLog::markAllChanged(db);
-    QApplication::restoreOverrideCursor();
-    return synchManually(db, parent);
 }
 
 } // namespace fenlark
