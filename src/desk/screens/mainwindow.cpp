@@ -237,6 +237,9 @@ void MainWindow::buildControls()
     connect(m_nights, &QLineEdit::textEdited, this, guarded(this, &MainWindow::nightsEdited));
     connect(m_view, &CalendarView::widthChanged, this, guarded(this, &MainWindow::drawCalendar));
     connect(m_view, &QAbstractItemView::doubleClicked, this, guarded(this, &MainWindow::viewSelectedBooking));
+    connect(m_view, &CalendarView::openRequested, this, guarded(this, &MainWindow::viewSelectedBooking));
+    connect(m_view, &CalendarView::daysRequested, this, guarded([this](int days) { setFromDate(fromDate().addDays(days)); }));
+    connect(m_view, &CalendarView::todayRequested, this, guarded([this] { m_commands->run(QStringLiteral("cmdToday")); }));
     connect(m_view->calendarHeader(), &CalendarHeader::bandDoubleClicked, this, guarded(this, &MainWindow::headerDoubleClicked));
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, guarded(this, &MainWindow::selectionChanged));
     connect(m_model, &QAbstractItemModel::modelReset, this, guarded([this] {

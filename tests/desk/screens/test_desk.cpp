@@ -190,6 +190,59 @@ private Q_SLOTS:
         QVERIFY(window.isVisible());
     }
 
+    void theCalendarAnswersTheKeyboard()
+    {
+        TestDatabase t;
+        RecordingSink sink;
+        MainWindow window(makeSession(t));
+        window.resize(1100, 650);
+        window.show();
+        window.initialise();
+        CalendarView *view = window.calendarView();
+        CalendarModel *model = window.calendarModel();
+        view->setFocus();
+        const QDate from = window.fromDate();
+        view->setCurrentIndex(model->index(2, 3));
+
+        QTest::keyClick(view, Qt::Key_PageDown);
+        QCOMPARE(window.fromDate(), from.addDays(7));
+        QCOMPARE(view->currentIndex(), model->index(2, 3));
+        QTest::keyClick(view, Qt::Key_PageUp);
+        QTest::keyClick(view, Qt::Key_PageUp);
+        QCOMPARE(window.fromDate(), from.addDays(-7));
+
+        // Arrows move within the days shown, and past the last day move the calendar.
+        QTest::keyClick(view, Qt::Key_Right);
+        QCOMPARE(view->currentIndex(), model->index(2, 4));
+        const int last = model->columnCount() - 1;
+        view->setCurrentIndex(model->index(2, last));
+        QTest::keyClick(view, Qt::Key_Right);
+        QCOMPARE(window.fromDate(), from.addDays(-6));
+        QCOMPARE(view->currentIndex(), model->index(2, last));
+        view->setCurrentIndex(model->index(2, 0));
+        QTest::keyClick(view, Qt::Key_Left);
+        QCOMPARE(window.fromDate(), from.addDays(-7));
+
+        QTest::keyClick(view, Qt::Key_Home);
+        QCOMPARE(window.fromDate(), QDate::currentDate().addDays(-7));
+        QCOMPARE(view->currentIndex(), model->index(2, 7));
+
+        // Enter opens the booking under the cursor; on a free night it says there is none.
+        QTest::keyClick(view, Qt::Key_Return);
+        QCOMPARE(sink.shownIds(), QList<int>{2286});
+        int opened = 0;
+        QTimer::singleShot(0, [&] {
+            if (QWidget *modal = QApplication::activeModalWidget()) {
+                ++opened;
+                modal->close();
+            }
+        });
+        view->setCurrentIndex(model->index(1, 3));
+        QTest::keyClick(view, Qt::Key_Enter);
+        QCOMPARE(opened, 1);
+        QCOMPARE(sink.shownIds(), QList<int>{2286});
+    }
+
     void optionsAreForAdminOnly()
     {
         TestDatabase t;
