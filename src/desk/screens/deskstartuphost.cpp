@@ -5,6 +5,8 @@
 
 #include "shell/screens/aboutdialog.h"
 #include "shell/screens/languagedialog.h"
+#include "shell/screens/progressdialog.h"
+#include "shell/strings.h"
 #include "desk/screens/mainwindow.h"
 #include "reports/screens/accountdocuments.h"
 #include "synch/synchrun.h"
@@ -87,6 +89,11 @@ bool DeskStartupHost::checkDoubleBookings(Session &session)
 }
 
 void DeskStartupHost::showMainWindow(Session &) {}
+
+Progress DeskStartupHost::backupProgress()
+{
+    return progressDialog(getString(5305, QStringLiteral("Backing up the database")), QApplication::activeWindow());
+}
 
 MainWindow *DeskStartupHost::createMainWindow(std::unique_ptr<Session> session)
 {

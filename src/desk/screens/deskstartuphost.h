@@ -29,6 +29,8 @@ public:
     // the editor, which needs the main window, so createMainWindow shows it.
     bool checkDoubleBookings(Session &session) override;
     void showMainWindow(Session &session) override;
+    // A progress dialog with Cancel when the backup takes a while.
+    Progress backupProgress() override;
 
     // Builds the main window around the session of a successful start and draws
     // the calendar from a week before today; then the list of double bookings,

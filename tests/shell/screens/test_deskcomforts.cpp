@@ -2,10 +2,15 @@
 #include "shell/home.h"
 #include "shell/inifile.h"
 #include "shell/screens/layoutkeeper.h"
+#include "shell/screens/progressdialog.h"
 #include "support/guitestmain.h"
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QHeaderView>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QThread>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
@@ -34,7 +39,7 @@ struct Sample {
 
 } // namespace
 
-class TestLayoutKeeper : public QObject {
+class TestDeskComforts : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -120,9 +125,48 @@ private Q_SLOTS:
         QCOMPARE(sample.dialog.size(), QSize(400, 250));
     }
 
+    void quickWorkShowsNoProgressDialog()
+    {
+        QWidget parent;
+        parent.show();
+        {
+            Progress progress = progressDialog("Work", &parent);
+            for (int i = 0; i <= 10; ++i)
+                QVERIFY(progress.step(i, 10, "Step"));
+            auto *dialog = parent.findChild<QProgressDialog *>();
+            QVERIFY(dialog);
+            QVERIFY(!dialog->isVisible());
+        }
+        QVERIFY(!parent.findChild<QProgressDialog *>());   // gone with its Progress
+    }
+
+    void slowWorkShowsTheDialogAndCancelStopsTheWork()
+    {
+        QWidget parent;
+        parent.show();
+        Progress progress = progressDialog("Work", &parent);
+        QElapsedTimer clock;
+        clock.start();
+        for (int i = 0; clock.elapsed() < ProgressDialogDelayMs + 300; ++i) {
+            QVERIFY(progress.step(i, 1000, "Slow work"));
+            QThread::msleep(60);
+        }
+        progress.step(20, 1000, "Slow work");
+        auto *dialog = parent.findChild<QProgressDialog *>();
+        QVERIFY(dialog->isVisible());
+        QCOMPARE(dialog->labelText(), QString("Slow work"));
+        QPushButton *cancel = dialog->findChild<QPushButton *>();
+        QVERIFY(cancel);
+        QCOMPARE(cancel->text(), QString("Cancel"));
+        cancel->click();
+        QThread::msleep(60);
+        QVERIFY(!progress.step(21, 1000, "Slow work"));
+        QVERIFY(progress.stopped());
+    }
+
 private:
     QTemporaryDir home;
 };
 
-FENLARK_GUI_TEST_MAIN(TestLayoutKeeper)
-#include "test_layoutkeeper.moc"
+FENLARK_GUI_TEST_MAIN(TestDeskComforts)
+#include "test_deskcomforts.moc"
