@@ -47,7 +47,6 @@ public:
     // The property's rate data, loaded once and again only when the setup changes.
     const RateData &rates() const { return m_rates; }
     const UserStruct &getUser() const { return m_session->getUser(); }
-    MainCommands &commands() { return *m_commands; }
 
     // Patches the calendar cache from what a write changed, then redraws.
     void applyChanges(const Changes &changes) override;

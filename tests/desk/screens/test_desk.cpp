@@ -186,7 +186,7 @@ private Q_SLOTS:
                 QVERIFY2(w == &window || !w->isVisible() || w->inherits("QMenu"),
                          qPrintable(name + " left " + w->metaObject()->className()));
         }
-        QVERIFY(closed >= 30);
+        QVERIFY(closed >= 25);
         QVERIFY(window.isVisible());
     }
 
