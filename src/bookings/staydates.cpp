@@ -24,11 +24,6 @@ QList<QDate> nightsOf(const QDate &fromDate, const QDate &toDate)
     return nights;
 }
 
-bool staysClash(const QDate &fromDate, const QDate &toDate, const QDate &otherFrom, const QDate &otherTo)
-{
-    return fromDate < otherTo && toDate > otherFrom;
-}
-
 std::vector<qint32> clashingBookings(Database &db, qint32 roomId, const QDate &fromDate, const QDate &toDate,
                                      qint32 exceptBookingId)
 {

@@ -16,9 +16,6 @@ class Database;
 int nightCount(const QDate &fromDate, const QDate &toDate);
 // FromDate through ToDate - 1.
 QList<QDate> nightsOf(const QDate &fromDate, const QDate &toDate);
-// Two stays clash when each starts before the other ends: a guest may arrive
-// on the day another leaves.
-bool staysClash(const QDate &fromDate, const QDate &toDate, const QDate &otherFrom, const QDate &otherTo);
 
 // The bookings with a leg in that room whose stay clashes with the span, other
 // than the booking given (0 for none), newest first.

@@ -85,7 +85,6 @@ private:
     void readMore();
     bool readHead();
     void readBody();
-    void requestDone();
     void refuse(int status, const QByteArray &text);
     void closeAfterAnswer();
     void write(const HttpResponse &response);

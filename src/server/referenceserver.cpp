@@ -294,12 +294,6 @@ void ReferenceServer::setSetupTable(qint32 bbid, const QString &table, const Jso
     bumpSetup(bbid);
 }
 
-JsonValue ReferenceServer::setupTable(qint32 bbid, const QString &table)
-{
-    const QVariant rows = scalar(QStringLiteral("select rows from setup where bbid = ? and tablename = ?"), {bbid, table});
-    return rows.isValid() ? json::parse(rows.toString()) : JsonValue::newArray();
-}
-
 void ReferenceServer::bumpSetup(qint32 bbid)
 {
     exec(QStringLiteral("update property set synchcounter = synchcounter + 1, lastupdated = ? where bbid = ?"),
@@ -373,16 +367,6 @@ JsonValue ReferenceServer::row(qint32 bbid, const QString &table, qint32 tableId
 int ReferenceServer::rowCount(qint32 bbid, const QString &table)
 {
     return scalar(QStringLiteral("select count(*) from record where bbid = ? and tablename = ?"), {bbid, table}).toInt();
-}
-
-QList<qint32> ReferenceServer::tableIds(qint32 bbid, const QString &table)
-{
-    QList<qint32> ids;
-    QSqlQuery &q = exec(QStringLiteral("select tableid from record where bbid = ? and tablename = ? order by tableid"), {bbid, table});
-    while (q.next())
-        ids << q.value(0).toInt();
-    q.finish();
-    return ids;
 }
 
 int ReferenceServer::outboxCount(qint32 bbid)

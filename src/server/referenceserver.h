@@ -69,7 +69,6 @@ public:
     // Replaces one setup table of a property (rows of lower-case keys) and moves the
     // setup counter on, so the PC fetches the setup again.
     void setSetupTable(qint32 bbid, const QString &table, const JsonValue &rows);
-    JsonValue setupTable(qint32 bbid, const QString &table);
     OnlineBookingIds addOnlineBooking(qint32 bbid, const OnlineBooking &booking);
     // Changes columns of a stored row and queues it for the PC.
     void editRow(qint32 bbid, const QString &table, qint32 tableId, const JsonObject &changes);
@@ -87,7 +86,6 @@ public:
     qint32 localIdOf(qint32 bbid, const QString &table, qint32 tableId);
     int rowCount(qint32 bbid, const QString &table);
     int outboxCount(qint32 bbid);
-    QList<qint32> tableIds(qint32 bbid, const QString &table);
 
     // The fault names the switches accept.
     static const QStringList &faultNames();

@@ -133,11 +133,6 @@ bool question(const QString &text, const QString &title)
     return sink().ask({UserMessage::Question, text, title});
 }
 
-bool questionDefaultNo(const QString &text, const QString &title)
-{
-    return sink().ask({UserMessage::Question, text, title, true});
-}
-
 } // namespace messages
 
 } // namespace fenlark

@@ -53,8 +53,6 @@ void critical(const QString &text, const QString &title);
 void information(const QString &text, const QString &title);
 void warning(const QString &text, const QString &title);
 bool question(const QString &text, const QString &title);
-// The same question with No as the default answer.
-bool questionDefaultNo(const QString &text, const QString &title);
 } // namespace messages
 
 } // namespace fenlark

@@ -282,11 +282,11 @@ const char *const Version4[] = {
 // guest; the company lookup reads the folded company with the phone and address
 // it lists from one index.
 const char *const Version5[] = {
-    "create index bookingdel_key on bookingdel (BBBookingID)",
-    "create index bookingdel_deldate on bookingdel (deldate)",
-    "create index guestdel_key on guestdel (BBGuestID)",
-    "create index guestdel_booking on guestdel (BBBookingID)",
-    "create index guestdel_deldate on guestdel (deldate)",
+    "create index if not exists bookingdel_key on bookingdel (BBBookingID)",
+    "create index if not exists bookingdel_deldate on bookingdel (deldate)",
+    "create index if not exists guestdel_key on guestdel (BBGuestID)",
+    "create index if not exists guestdel_booking on guestdel (BBBookingID)",
+    "create index if not exists guestdel_deldate on guestdel (deldate)",
     R"(insert or ignore into clientxsort (fieldtype, orderby) values
         ('P', 1), ('F', 2), ('C', 3), ('I', 4), ('N', 5), ('O', 6), ('T', 7), ('S', 8))",
     "create index if not exists guest_client2 on guest (BBClient2ID)",

@@ -1,9 +1,13 @@
 #include "shell/strings.h"
 
+#include "shell/errorlog.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QLibraryInfo>
+#include <QMutexLocker>
+#include <QSet>
 #include <QTranslator>
 
 namespace fenlark {
@@ -79,12 +83,15 @@ QHash<int, QString> StringTable::load(int languageId)
             if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
                 continue;
             const qsizetype tab = line.indexOf(QLatin1Char('\t'));
-            if (tab <= 0)
-                continue;
             bool ok = false;
-            const int id = line.left(tab).toInt(&ok);
-            if (ok)
-                texts.insert(id, unescape(line.mid(tab + 1)));
+            const int id = tab > 0 ? line.left(tab).toInt(&ok) : 0;
+            if (!ok) {
+                // The ids of that line show their built-in English instead.
+                ErrorLog::write(QStringLiteral("A line of the %1 texts in %2 is not an id and a text: %3")
+                                    .arg(folderOf(languageId), name, line.left(80).toString()));
+                continue;
+            }
+            texts.insert(id, unescape(line.mid(tab + 1)));
         }
     }
     return texts;
@@ -120,7 +127,17 @@ QLocale StringTable::locale() const
 QString StringTable::get(int id, const QString &defaultText) const
 {
     const auto it = m_texts.constFind(id);
-    return it == m_texts.constEnd() ? defaultText : it.value();
+    if (it != m_texts.constEnd())
+        return it.value();
+    // Said once per id and language, so a screen drawn every second does not fill the log.
+    static QMutex reportedMutex;
+    static QSet<std::pair<int, int>> reported;
+    QMutexLocker lock(&reportedMutex);
+    if (!reported.contains({m_language, id})) {
+        reported.insert({m_language, id});
+        ErrorLog::write(QStringLiteral("The %1 texts have no id %2: its built-in English is shown.").arg(folderOf(m_language)).arg(id));
+    }
+    return defaultText;
 }
 
 QLocale deskLocale()

@@ -88,9 +88,4 @@ QString flattenLines(const QString &text)
     return out;
 }
 
-QString calendarKey(const QDate &date)
-{
-    return date.toString(QStringLiteral("dd/MM/yy"));
-}
-
 } // namespace fenlark

@@ -28,7 +28,5 @@ QString formatCurrency(double amount);
 QString columnLetter(int column);
 // Each line break becomes " / ".
 QString flattenLines(const QString &text);
-// The calendar's key form of a date, "dd/mm/yy".
-QString calendarKey(const QDate &date);
 
 } // namespace fenlark

@@ -8,6 +8,9 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#include <csignal>
+#include <sys/prctl.h>
+
 namespace fenlark {
 
 QString demoServerDatabase()
@@ -34,6 +37,9 @@ QString startDemoServer(const QString &deskDatabasePath, QObject *parent, QStrin
         process->waitForFinished(2000);
         delete process;
     });
+    // A desk that is killed or interrupted runs no destructor: the kernel ends the
+    // server with it, so no orphan keeps the demo's files and port.
+    process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     process->setProgram(program);
     process->setArguments({QStringLiteral("serve"), QStringLiteral("--db"), demoServerDatabase(), QStringLiteral("--port"),
                            QStringLiteral("0"), QStringLiteral("--seed"), deskDatabasePath});

@@ -246,19 +246,6 @@ QString JsonValue::toText() const
     }
 }
 
-QVariant JsonValue::toVariant() const
-{
-    switch (m_kind) {
-    case Integer: return m_integer;
-    case Double: return std::isfinite(m_real) ? QVariant(m_real) : QVariant(QMetaType(QMetaType::Double));
-    case Boolean: return m_boolean ? 1 : 0;
-    case Text:
-    case DateTime: return m_text;
-    case Null: return QVariant(QMetaType(QMetaType::QString));
-    default: return QVariant();
-    }
-}
-
 JsonValue JsonValue::operator[](const QString &key) const
 {
     const JsonObject *o = object();

@@ -64,8 +64,6 @@ public:
     double toDouble(bool *ok = nullptr) const;
     // The value as text: numbers in their written form, null and empty as "".
     QString toText() const;
-    // A database value for this one (null stays null; objects and arrays are invalid).
-    QVariant toVariant() const;
 
     // Null pointers when the value is not of that kind.
     JsonObject *object() const { return m_kind == Object ? static_cast<JsonObject *>(m_node.get()) : nullptr; }

@@ -34,12 +34,6 @@ void StringBuilder::append(QStringView text)
     m_text.append(text);
 }
 
-void StringBuilder::appendNL(QStringView text)
-{
-    append(text);
-    append(u"\r\n");
-}
-
 bool StringBuilder::insert(qsizetype index, QStringView text)
 {
     if (index < 0 || index > m_text.size())
@@ -62,16 +56,6 @@ qsizetype StringBuilder::find(QStringView text, qsizetype start, Qt::CaseSensiti
     const qsizetype from = start < 1 ? 0 : start - 1;
     const qsizetype at = QStringView(m_text).indexOf(text, from, cs);
     return at < 0 ? 0 : at + 1;
-}
-
-void StringBuilder::heapMinimize()
-{
-    if (m_capacity - m_text.size() <= m_chunkSize)
-        return;
-    while (m_capacity - m_text.size() > m_chunkSize)
-        m_capacity -= m_chunkSize;
-    m_text.squeeze();
-    m_text.reserve(m_capacity);
 }
 
 } // namespace fenlark

@@ -21,15 +21,12 @@ public:
     void clear();
 
     void append(QStringView text);
-    void appendNL(QStringView text);
     // Inserts before the character at index (0 = at the front). False when the index
     // lies past the used length.
     bool insert(qsizetype index, QStringView text);
     // Removes length characters from index; false when the stretch runs past the end.
     bool remove(qsizetype index, qsizetype length);
     qsizetype find(QStringView text, qsizetype start = 1, Qt::CaseSensitivity cs = Qt::CaseSensitive) const;
-    // Gives spare capacity back in whole chunks, keeping at most one spare chunk.
-    void heapMinimize();
 
 private:
     void growFor(qsizetype needed);

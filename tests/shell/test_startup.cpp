@@ -1,6 +1,7 @@
 #include "shell/changelog.h"
 #include "shell/config.h"
 #include "shell/databasechoice.h"
+#include "shell/databasefiles.h"
 #include "shell/home.h"
 #include "shell/startup.h"
 #include "shell/ticker.h"
@@ -89,7 +90,9 @@ private Q_SLOTS:
         QCOMPARE(host.calls, QStringList({"language", "splash", "close splash", "login", "setup", "close splash", "user",
                                           "initialise", "doubles", "main"}));
         QCOMPARE(readConfig("Language", ""), QString("1033"));
-        QCOMPARE(readConfig("Database", ""), m_home->filePath("Veldmoor.db"));
+        // Named in the home folder, so the folder can move with its configuration.
+        QCOMPARE(readConfig("Database", ""), QString("Veldmoor.db"));
+        QCOMPARE(getDBPath(0), m_home->filePath("Veldmoor.db"));
         QVERIFY(QFile::exists(m_home->filePath("Veldmoor.db")));
         QVERIFY(QFile::exists(m_home->filePath("vmbackup/veldmoor-1.db")));
         auto session = startup.takeSession();

@@ -1,3 +1,5 @@
+#include "shell/errorlog.h"
+#include "shell/home.h"
 #include "shell/strings.h"
 
 #include <QDirIterator>
@@ -96,6 +98,25 @@ private Q_SLOTS:
         QCOMPARE(getString(99999, "Alojamiento:"), QString("Alojamiento:"));
         table.setLanguage(1040);
         QCOMPARE(table.language(), EnglishLanguage);
+    }
+
+    void aMissingTextIsLoggedOncePerLanguage()
+    {
+        QTemporaryDir home;
+        Home::setPath(home.path());
+        const auto loggedLines = [] {
+            QFile log(ErrorLog::path());
+            return log.open(QIODevice::ReadOnly) ? log.readAll().count("id 99998") : 0;
+        };
+        StringTable &table = StringTable::instance();
+        table.setLanguage(SpanishLanguage);
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(getString(99998, "Built-in"), QString("Built-in"));
+        QCOMPARE(loggedLines(), 1);
+        table.setLanguage(EnglishLanguage);
+        getString(99998, "Built-in");
+        getString(99998, "Built-in");
+        QCOMPARE(loggedLines(), 2);
     }
 
     void languageNames()

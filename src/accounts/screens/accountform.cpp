@@ -166,7 +166,7 @@ AccountForm::AccountForm(Session &session, qint32 accountId, QWidget *parent)
     connect(cmdOpenCloseButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdOpenClose));
     connect(cmdPaymentsButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdPayments));
     connect(cmdCreditCardButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdCreditCard));
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdItems, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openItem(index.row()); }));
 }
 

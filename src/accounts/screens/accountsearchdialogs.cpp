@@ -61,8 +61,8 @@ AccountSearch::AccountSearch(QWidget *parent) : QDialog(parent)
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(buttons);
-    connect(cmdSearch, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdSearch, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 AccountSearchCriteria AccountSearch::criteria() const
@@ -99,7 +99,7 @@ AccountsList::AccountsList(Session &session, AccountSearchCriteria criteria, QWi
     layout->addWidget(gdAccounts, 1);
     layout->addLayout(buttons);
     resize(620, 420);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdAccounts, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
 }
 

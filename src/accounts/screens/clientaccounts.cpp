@@ -65,7 +65,7 @@ ClientAccounts::ClientAccounts(Session &session, qint32 accountId, AccountItemRe
     connect(cmdAccountChangeButton, &QPushButton::clicked, this, guarded(this, &ClientAccounts::cmdAccountChange));
     connect(cmdNewAccountButton, &QPushButton::clicked, this, guarded(this, &ClientAccounts::cmdNewAccount));
     connect(cmdInvoiceToChangeButton, &QPushButton::clicked, this, guarded(this, &ClientAccounts::cmdInvoiceToChange));
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     listAccounts(otherOpenAccounts(db, account.InvoiceTo, accountId));
 }
 

@@ -87,7 +87,7 @@ ExtraForm::ExtraForm(Session &session, qint32 guestId, qint32 extraId, QWidget *
     layout->addLayout(buttons);
 
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &ExtraForm::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 QString ExtraForm::accountText(const Account &account) const
@@ -244,7 +244,7 @@ Extras::Extras(Session &session, qint32 guestId, QWidget *parent)
 
     connect(cmdAddButton, &QPushButton::clicked, this, guarded(this, &Extras::cmdAdd));
     connect(cmdDeleteButton, &QPushButton::clicked, this, guarded(this, &Extras::cmdDelete));
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdExtras, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
     fill();
 }

@@ -63,7 +63,7 @@ ClientTranForm::ClientTranForm(Session &session, qint32 clientId, QWidget *paren
 
     connect(cboTranType, &QComboBox::currentIndexChanged, this, guarded(this, &ClientTranForm::typeChanged));
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &ClientTranForm::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     typeChanged();
 }
 
@@ -133,7 +133,7 @@ ClientTranList::ClientTranList(QWidget *parent)
     layout->addWidget(gdTransactions, 1);
     layout->addLayout(buttons);
     resize(760, 420);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdTransactions, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) {
         if (editClient && index.isValid())
             editClient(this, m_model.row(index.row()).tran.BBClientID);
@@ -185,8 +185,8 @@ ClientTranSearch::ClientTranSearch(QWidget *parent) : QDialog(parent)
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(buttons);
-    connect(cmdSearch, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdSearch, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 LedgerSearch ClientTranSearch::search() const

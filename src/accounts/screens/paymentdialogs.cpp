@@ -67,7 +67,7 @@ PaymentForm::PaymentForm(Session &session, qint32 accountId, qint32 paymentId, Q
     layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
 
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &PaymentForm::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 bool PaymentForm::load()
@@ -146,7 +146,7 @@ Payments::Payments(Session &session, qint32 accountId, QWidget *parent)
     resize(560, 320);
 
     connect(cmdAdd, &QPushButton::clicked, this, guarded(this, &Payments::cmdAddPayment));
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdPayment, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));
     fill();
 }
@@ -199,7 +199,7 @@ PaymentTranEdit::PaymentTranEdit(Session &session, qint32 clientId, qint32 payme
     layout->addLayout(form);
     layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &PaymentTranEdit::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 bool PaymentTranEdit::load()

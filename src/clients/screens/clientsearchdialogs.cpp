@@ -1,5 +1,6 @@
 #include "clients/screens/clientsearchdialogs.h"
 
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -51,14 +52,14 @@ ClientSearch::ClientSearch(Database &db, QWidget *parent)
     lblInstructions->setText(getString(2268, QStringLiteral("If you want to add a new client, click Add New, or use the box below "
                                                             "to search for an existing client.")));
     search->initialise(this, db);
-    connect(cmdExit, &QPushButton::clicked, this, [this] {
+    connect(cmdExit, &QPushButton::clicked, this, guarded([this] {
         m_result = -1;
         reject();
-    });
-    connect(cmdNew, &QPushButton::clicked, this, [this] {
+    }));
+    connect(cmdNew, &QPushButton::clicked, this, guarded([this] {
         m_result = 0;
         accept();
-    });
+    }));
 }
 
 void ClientSearch::doubleClick()
@@ -74,8 +75,8 @@ ClientMaintenance::ClientMaintenance(Database &db, ClientEditorOpener &editor, Q
     setWindowTitle(getString(5645, QStringLiteral("Client Maintenance")));
     lblInstructions->setText(getString(5644, QStringLiteral("Search for an existing client by typing in a few letters in the box below.")));
     search->initialise(this, db);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
-    connect(cmdNew, &QPushButton::clicked, this, [this] { addNew(); });
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
+    connect(cmdNew, &QPushButton::clicked, this, guarded([this] { addNew(); }));
 }
 
 void ClientMaintenance::addNew()
@@ -102,7 +103,7 @@ ClientDSearch::ClientDSearch(Database &db, QWidget *parent)
     lblInstructions->setText(getString(5644, QStringLiteral("Search for an existing client by typing in a few letters in the box below.")));
     cmdNew->hide();
     search->initialise(this, db);
-    connect(cmdExit, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 void ClientDSearch::doubleClick()

@@ -4,6 +4,7 @@
 #include "shell/database.h"
 #include "shell/errorlog.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
 
@@ -28,8 +29,8 @@ SourceList::SourceList(Database &db, const QString &searchText, QWidget *parent)
         sources = bookingSources(db, searchText);
     } catch (const DatabaseError &e) {
         ErrorLog::write(e.message() + QStringLiteral(" | ") + e.sql());
-        messages::critical(getString(5649, QStringLiteral("The sources could not be read: %1")).arg(e.message()),
-                           getString(5650, QStringLiteral("Database error")));
+        messages::critical(5649, QStringLiteral("The sources could not be read: %1"), 5650, QStringLiteral("Database error"),
+                           {e.message()});
     }
     gdSources->setRowCount(int(sources.size()));
     for (int row = 0; row < int(sources.size()); ++row)
@@ -54,15 +55,15 @@ SourceList::SourceList(Database &db, const QString &searchText, QWidget *parent)
     layout->addLayout(buttons);
     resize(360, 420);
 
-    connect(gdSources, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { pickRow(row); });
-    connect(cmdAdd, &QPushButton::clicked, this, [this] {
+    connect(gdSources, &QTableWidget::cellDoubleClicked, this, guarded([this](int row, int) { pickRow(row); }));
+    connect(cmdAdd, &QPushButton::clicked, this, guarded([this] {
         m_source = txtNewSource->text();
         accept();
-    });
-    connect(cmdExit, &QPushButton::clicked, this, [this] {
+    }));
+    connect(cmdExit, &QPushButton::clicked, this, guarded([this] {
         m_source.clear();
         reject();
-    });
+    }));
 }
 
 void SourceList::pickRow(int row)

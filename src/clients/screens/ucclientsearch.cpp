@@ -2,6 +2,7 @@
 
 #include "shell/database.h"
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 
 #include <QGridLayout>
@@ -75,15 +76,15 @@ ucClientSearch::ucClientSearch(QWidget *parent)
     layout->addWidget(cmdDeselect, 0, Qt::AlignLeft);
 
     for (QLineEdit *box : {txtFirstName, txtSurname, txtCompany, txtbbclientid})
-        connect(box, &QLineEdit::textChanged, this, [this, box] {
+        connect(box, &QLineEdit::textChanged, this, guarded([this, box] {
             search();
             box->setFocus();
-        });
+        }));
     connect(gdClient->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex &current) { rowChanged(current); });
-    connect(gdClient, &QTableView::clicked, this, [this](const QModelIndex &index) { clicked(index); });
-    connect(gdClient, &QTableView::doubleClicked, this, [this](const QModelIndex &index) { doubleClicked(index); });
-    connect(cmdDeselect, &QPushButton::clicked, this, [this] { deselect(); });
+            guarded([this](const QModelIndex &current, const QModelIndex &) { rowChanged(current); }));
+    connect(gdClient, &QTableView::clicked, this, guarded([this](const QModelIndex &index) { clicked(index); }));
+    connect(gdClient, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { doubleClicked(index); }));
+    connect(cmdDeselect, &QPushButton::clicked, this, guarded([this] { deselect(); }));
 }
 
 void ucClientSearch::initialise(IClientSearch *owner, Database &db)
@@ -148,8 +149,8 @@ void ucClientSearch::search()
             m_model->search(*m_db, criteria);
         } catch (const DatabaseError &e) {
             m_model->clear();
-            messages::critical(getString(5646, QStringLiteral("The client search failed: %1")).arg(e.message()),
-                               getString(5641, QStringLiteral("Client Search")));
+            messages::critical(5646, QStringLiteral("The client search failed: %1"), 5641, QStringLiteral("Client Search"),
+                               {e.message()});
         }
     }
     gdClient->scrollToTop();

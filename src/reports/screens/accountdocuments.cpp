@@ -5,6 +5,7 @@
 #include "reports/invoiceprint.h"
 #include "reports/pdfconverter.h"
 #include "shell/money.h"
+#include "shell/screens/guard.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
@@ -173,7 +174,7 @@ InvoiceView::InvoiceView(Session &session, qint32 invoiceNo, QWidget *parent)
     lblTotal->setObjectName(QStringLiteral("lblTotal"));
     lblTotal->setAlignment(Qt::AlignRight);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(buttons, &QDialogButtonBox::rejected, this, guarded(this, &QDialog::reject));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(gdItems);
     layout->addWidget(lblTotal);

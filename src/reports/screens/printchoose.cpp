@@ -3,6 +3,7 @@
 #include "rates/ratedata.h"
 #include "reports/documenttext.h"
 #include "reports/pdfconverter.h"
+#include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/session.h"
 #include "shell/strings.h"
@@ -41,13 +42,13 @@ PrintChoose::PrintChoose(Session &session, qint32 bbBookingId, qint32 bbRoomId, 
     options->addWidget(opWordpad);
     ckPdf = new QCheckBox(getString(6834, QStringLiteral("Also save as &PDF")), this);
     ckPdf->setObjectName(QStringLiteral("ckPdf"));
-    connect(opWordpad, &QRadioButton::toggled, ckPdf, [this](bool text) { ckPdf->setEnabled(!text); });
+    connect(opWordpad, &QRadioButton::toggled, ckPdf, guarded([this](bool text) { ckPdf->setEnabled(!text); }));
 
     cmdPrint = makeDialogButton(this, QStringLiteral("cmdPrint"), getString(1395, QStringLiteral("&Print")));
     cmdPrint->setDefault(true);
     cmdCancel = makeDialogButton(this, QStringLiteral("cmdCancel"), getString(1369, QStringLiteral("&Cancel")));
-    connect(cmdPrint, &QPushButton::clicked, this, &PrintChoose::print);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cmdPrint, &QPushButton::clicked, this, guarded(this, &PrintChoose::print));
+    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(cmdPrint);

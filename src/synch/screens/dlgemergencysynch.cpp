@@ -1,6 +1,7 @@
 #include "synch/screens/dlgemergencysynch.h"
 
 #include "shell/messages.h"
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 #include "synch/emergencysynch.h"
 
@@ -23,8 +24,8 @@ DlgEmergencySynch::DlgEmergencySynch(QWidget *parent) : QDialog(parent), m_txtCo
     ok->setObjectName(QStringLiteral("cmdOK"));
     QPushButton *cancel = buttons->addButton(getString(6031, QStringLiteral("Cancel")), QDialogButtonBox::RejectRole);
     cancel->setObjectName(QStringLiteral("cmdCancel"));
-    connect(ok, &QPushButton::clicked, this, &DlgEmergencySynch::onOk);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(ok, &QPushButton::clicked, this, guarded(this, &DlgEmergencySynch::onOk));
+    connect(cancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel(getString(6029, QStringLiteral("Access code:")), this));
     layout->addWidget(m_txtCode);
@@ -34,7 +35,7 @@ DlgEmergencySynch::DlgEmergencySynch(QWidget *parent) : QDialog(parent), m_txtCo
 void DlgEmergencySynch::onOk()
 {
     if (!emergencyAccessGranted(m_txtCode->text())) {
-        messages::critical(getString(6025, QStringLiteral("Incorrect password.")), getString(6026, QStringLiteral("Incorrect password")));
+        messages::critical(6025, QStringLiteral("Incorrect password."), 6026, QStringLiteral("Incorrect password"));
         return;
     }
     m_good = true;

@@ -1,5 +1,6 @@
 #include "synch/screens/dlgsynch.h"
 
+#include "shell/screens/guard.h"
 #include "shell/strings.h"
 #include "synch/synchrun.h"
 
@@ -25,7 +26,7 @@ DlgSynch::DlgSynch(Database &db, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_lblProgress);
     layout->addWidget(m_cmdProgress, 0, Qt::AlignRight);
-    connect(m_cmdProgress, &QPushButton::clicked, this, &DlgSynch::onProgressClicked);
+    connect(m_cmdProgress, &QPushButton::clicked, this, guarded(this, &DlgSynch::onProgressClicked));
 }
 
 void DlgSynch::progress(const QString &text)
@@ -59,7 +60,7 @@ DlgNewBooking::DlgNewBooking(const QString &text, QWidget *parent) : QDialog(par
     list->setReadOnly(true);
     auto *exit = new QPushButton(getString(1498, QStringLiteral("Close")), this);
     exit->setObjectName(QStringLiteral("cmdExit"));
-    connect(exit, &QPushButton::clicked, this, &QDialog::accept);
+    connect(exit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(narrative);
     layout->addWidget(list);
