@@ -11,7 +11,10 @@ CommandLine::CommandLine(const QStringList &arguments, const QStringList &flags)
             const int eq = name.indexOf(QLatin1Char('='));
             if (eq > 0)
                 m_options.append({name.left(eq), name.mid(eq + 1)});
-            else if (flags.contains(name) || i + 1 >= arguments.size())
+            // An option never takes the next option as its value, so one name can
+            // be a flag for one verb ("checkin --out") and take a value for another
+            // ("report --out FILE").
+            else if (flags.contains(name) || i + 1 >= arguments.size() || arguments.at(i + 1).startsWith(QStringLiteral("--")))
                 m_options.append({name, QString()});
             else
                 m_options.append({name, arguments.at(++i)});

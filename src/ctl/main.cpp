@@ -46,7 +46,7 @@ int main(int argc, char *argv[])
             try {
                 return v.run(CommandLine(args, {QStringLiteral("reprice"), QStringLiteral("departures"), QStringLiteral("help"),
                                              QStringLiteral("yes"), QStringLiteral("pdf"), QStringLiteral("other-rooms"),
-                                             QStringLiteral("checked-out"), QStringLiteral("clear"), QStringLiteral("beds"),
+                                             QStringLiteral("clear"), QStringLiteral("beds"),
                                              QStringLiteral("text"), QStringLiteral("refresh"), QStringLiteral("vat"),
                                              QStringLiteral("as-new")}));
             } catch (const DatabaseError &e) {

@@ -195,16 +195,16 @@ int runCancel(Database &db, qint32 booking, const CommandLine &args, bool oneRoo
     return 0;
 }
 
-// booking checkin KEY --leg R [--checked-out|--clear]
+// booking checkin KEY --leg R [--out|--clear]
 int runCheckIn(Database &db, qint32 booking, const CommandLine &args)
 {
     const auto leg = keyOf(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
     if (!leg)
         return 1;
-    if (args.has(QStringLiteral("checked-out")) && args.has(QStringLiteral("clear")))
-        return fail(QStringLiteral("--checked-out and --clear exclude each other"));
+    if (args.has(QStringLiteral("out")) && args.has(QStringLiteral("clear")))
+        return fail(QStringLiteral("--out and --clear exclude each other"));
     const CheckState state = args.has(QStringLiteral("clear")) ? CheckState::None
-                             : args.has(QStringLiteral("checked-out")) ? CheckState::CheckedOut
+                             : args.has(QStringLiteral("out")) ? CheckState::CheckedOut
                                                                : CheckState::CheckedIn;
     const auto marked = setCheckInOut(db, booking, *leg, state);
     if (!marked)

@@ -143,7 +143,7 @@ const std::vector<Verb> &recordsVerbs()
                     "  booking free-rooms [--db PATH] KEY --leg ROOM [--from DATE --to DATE]   the rooms that leg may move to\n"
                     "  booking cancel [--db PATH] KEY --reason TEXT   cancel the whole booking\n"
                     "  booking cancel-room [--db PATH] KEY --leg ROOM --reason TEXT   cancel one room of it\n"
-                    "  booking checkin [--db PATH] KEY --leg ROOM [--checked-out|--clear] mark the room checked in or out\n"
+                    "  booking checkin [--db PATH] KEY --leg ROOM [--out|--clear]   mark the room checked in or out\n"
                     "  booking rates [--db PATH] KEY [--sheet ID] [--refresh] [--set ROOM:DATE=AMOUNT ...]   "
                     "the nightly rates, changed and saved as the rates view does",
          runBooking},

@@ -174,7 +174,7 @@ private Q_SLOTS:
         const Run early = ctl({"booking", "checkin", QString::number(future), "--leg", "5"});
         QVERIFY(early.exitCode != 0);
         QVERIFY(early.errors.contains("hasn't arrived yet"));
-        QVERIFY(ctl({"booking", "checkin", QString::number(future), "--leg", "5", "--checked-out", "--clear"}).exitCode != 0);
+        QVERIFY(ctl({"booking", "checkin", QString::number(future), "--leg", "5", "--out", "--clear"}).exitCode != 0);
         QCOMPARE(snapshot(), before);
         QCOMPARE(ctl({"booking", "checkin", QString::number(future), "--leg", "5", "--clear"}).exitCode, 0);
 
@@ -184,7 +184,7 @@ private Q_SLOTS:
                                            {today, today})
                                    .toInt();
         const int room = db().scalar("select BBRoomID from guest where BBBookingID = ?", {booking}).toInt();
-        const Run out = ctl({"booking", "checkin", QString::number(booking), "--leg", QString::number(room), "--checked-out"});
+        const Run out = ctl({"booking", "checkin", QString::number(booking), "--leg", QString::number(room), "--out"});
         QCOMPARE(out.exitCode, 0);
         QCOMPARE(out.json.value("checkInOut").toString(), QString("K"));
     }
