@@ -167,25 +167,6 @@ CalendarEntry Calendar::find(QDate date, qint32 roomId) const
     return m_cells.value(Key{date.toJulianDay(), roomId});
 }
 
-CalendarEntry Calendar::getCalendarCache(QDate date, qint32 roomId)
-{
-    CalendarEntry &slot = m_cells[Key{date.toJulianDay(), roomId}];
-    if (!slot)
-        slot = std::make_shared<CalendarCache>();
-    return slot;
-}
-
-void Calendar::addCalEntry(QDate date, qint32 roomId, CalendarEntry entry)
-{
-    deleteCalEntry(roomId, date);
-    m_cells.insert(Key{date.toJulianDay(), roomId}, std::move(entry));
-}
-
-void Calendar::deleteCalEntry(qint32 roomId, QDate date)
-{
-    m_cells.remove(Key{date.toJulianDay(), roomId});
-}
-
 bool Calendar::roomIsBooked(QDate date, qint32 roomId) const
 {
     return m_cells.contains(Key{date.toJulianDay(), roomId});

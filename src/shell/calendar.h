@@ -57,10 +57,6 @@ public:
 
     // The entry of a day and room; null when the room is free.
     CalendarEntry find(QDate date, qint32 roomId) const;
-    // The entry of a day and room, made empty and added when there is none.
-    CalendarEntry getCalendarCache(QDate date, qint32 roomId);
-    void addCalEntry(QDate date, qint32 roomId, CalendarEntry entry);
-    void deleteCalEntry(qint32 roomId, QDate date);
     bool roomIsBooked(QDate date, qint32 roomId) const;
 
     void cacheGuest(qint32 clientId, const QString &shortName);
