@@ -5,6 +5,7 @@
 #include "desk/screens/deskstartuphost.h"
 #include "shell/screens/dialogmessagesink.h"
 #include "shell/screens/guardedapplication.h"
+#include "shell/screens/layoutkeeper.h"
 #include "shell/startup.h"
 #include "synch/demoserver.h"
 
@@ -28,6 +29,8 @@ int main(int argc, char *argv[])
             ErrorLog::write(QStringLiteral("The demo server did not start: ") + error);
     }
 
+    // Windows and lists come back as this user left them.
+    LayoutKeeper layout;
     DeskStartupHost host;
     Startup startup(host);
     if (startup.run() != Startup::Running)

@@ -3,6 +3,7 @@
 #include "reports/reportcatalogue.h"
 #include "reports/reporttsv.h"
 #include "reports/reportxlsx.h"
+#include "shell/progressline.h"
 
 #include <QFileInfo>
 #include <QJsonObject>
@@ -118,7 +119,13 @@ int runReportVerb(const CommandLine &args)
     const auto sheet = runReport(*db, number, criteria);
     if (!sheet)
         return fail(sheet.refusal().text());
-    const Outcome written = suffix == QLatin1String("xlsx") ? writeReportXlsx(*sheet, out) : writeReportTsv(*sheet, out);
+    Outcome written = Done{};
+    if (suffix == QLatin1String("xlsx")) {
+        ProgressLine line;
+        written = writeReportXlsx(*sheet, out, line.progress());
+    } else {
+        written = writeReportTsv(*sheet, out);
+    }
     if (!written)
         return fail(written.refusal().text());
     printJson(QJsonObject{{"report", number},

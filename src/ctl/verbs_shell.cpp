@@ -3,6 +3,7 @@
 #include "shell/backup.h"
 #include "shell/changelog.h"
 #include "shell/databasefiles.h"
+#include "shell/progressline.h"
 #include "shell/restore.h"
 #include "desk/propertygenerator.h"
 #include "shell/setuprecords.h"
@@ -42,8 +43,12 @@ int fillProperty(const CommandLine &args, const PropertyGenerator::Options &opti
         return 1;
     if (!BBSetup::isSetupEmpty(*db))
         return fail(QStringLiteral("%1 already holds a property").arg(databasePath(args)));
-    const auto counts = PropertyGenerator(options).generate(*db);
-    QJsonObject out = countsJson(counts);
+    std::optional<PropertyGenerator::Counts> counts;
+    {
+        ProgressLine line;
+        counts = PropertyGenerator(options).generate(*db, line.progress());
+    }
+    QJsonObject out = countsJson(*counts);
     out.insert("database", databasePath(args));
     printJson(out);
     return 0;
@@ -78,7 +83,12 @@ int runBackup(const CommandLine &args)
     const int number = args.number(QStringLiteral("number"), &ok, 0);
     if (!ok || number < 0)
         return fail(QStringLiteral("--number must be a database number"));
-    if (!Backup::backupDatabase(*db, number))
+    bool made = false;
+    {
+        ProgressLine line;
+        made = Backup::backupDatabase(*db, number, line.progress());
+    }
+    if (!made)
         return fail(QStringLiteral("backup skipped or failed (NoBackup, or the backup folder %1 cannot be written)").arg(getBackupDir()));
     printJson(QJsonObject{{"backupDir", getBackupDir()}, {"file", Backup::rotationFileName(number, 1)}});
     return 0;

@@ -11,6 +11,7 @@
 #include "shell/database.h"
 #include "shell/money.h"
 #include "shell/setuprecords.h"
+#include "shell/strings.h"
 
 #include <QRandomGenerator>
 
@@ -89,6 +90,12 @@ PropertyGenerator::Options PropertyGenerator::demo()
 }
 
 PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
+{
+    Progress unwatched;
+    return *generate(db, unwatched);
+}
+
+std::optional<PropertyGenerator::Counts> PropertyGenerator::generate(Database &db, Progress &progress)
 {
     QRandomGenerator random(m_options.seed);
     Counts counts;
@@ -228,9 +235,14 @@ PropertyGenerator::Counts PropertyGenerator::generate(Database &db)
 
     const QDate today = QDate::currentDate();
     qint32 nextBooking = 0, nextGuest = 0, nextAccount = 0, nextPayment = 0, nextExtra = 0;
+    const QString making = getString(5303, QStringLiteral("Making the property's bookings"));
+    const qint64 days = m_options.from.daysTo(m_options.to);
     while (!freeFrom.empty()) {
         auto [free, room] = freeFrom.top();
         freeFrom.pop();
+        // Stopped: the transaction rolls back and no part of the property stays.
+        if (!progress.step(m_options.from.daysTo(free), days, making))
+            return std::nullopt;
         if (free < roomFree[room]) { // stale entry
             freeFrom.push({roomFree[room], room});
             continue;

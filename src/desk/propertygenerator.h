@@ -1,8 +1,11 @@
 #pragma once
 
+#include "shell/progress.h"
+
 #include <QDate>
 #include <QString>
 
+#include <optional>
 
 namespace fenlark {
 
@@ -36,6 +39,9 @@ public:
 
     explicit PropertyGenerator(Options options);
     Counts generate(Database &db);
+    // The same, reporting day by day how far the bookings have come; nothing
+    // when the watcher stopped it, and then nothing was written.
+    std::optional<Counts> generate(Database &db, Progress &progress);
 
     // Options for `years` of bookings ending a year from today.
     static Options forYears(int rooms, int years, unsigned seed);

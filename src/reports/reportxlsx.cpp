@@ -2,6 +2,7 @@
 
 #include "reports/reportfailures.h"
 #include "reports/reportsheet.h"
+#include "shell/strings.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -157,6 +158,12 @@ double fittedColumnWidth(const ReportSheet &sheet, int column)
 
 Outcome writeReportXlsx(const ReportSheet &report, const QString &path)
 {
+    Progress unwatched;
+    return writeReportXlsx(report, path, unwatched);
+}
+
+Outcome writeReportXlsx(const ReportSheet &report, const QString &path, Progress &progress)
+{
     const QFileInfo target(path);
     QTemporaryFile part(target.absoluteDir().filePath(QStringLiteral(".%1.XXXXXX").arg(target.fileName())));
     if (!part.open())
@@ -170,7 +177,14 @@ Outcome writeReportXlsx(const ReportSheet &report, const QString &path)
     lxw_worksheet *sheet = workbook_add_worksheet(workbook, nullptr);
     Formats formats(workbook);
     lxw_error error = LXW_NO_ERROR;
+    const QString writing = getString(5307, QStringLiteral("Writing the report"));
     for (int row = 1; row <= report.rowCount() && error == LXW_NO_ERROR; ++row) {
+        if (!progress.step(row - 1, report.rowCount(), writing)) {
+            // The unfinished workbook is closed and its temporary file goes with part.
+            workbook_close(workbook);
+            return Refusal(5306, QStringLiteral("The report was stopped; no file was written."), 5308,
+                           QStringLiteral("Report stopped"));
+        }
         for (int column = 1; column <= report.lastColumn(row) && error == LXW_NO_ERROR; ++column)
             error = writeCell(sheet, formats, report, row, column);
     }

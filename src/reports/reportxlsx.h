@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/progress.h"
 #include "shell/refusal.h"
 
 #include <QString>
@@ -14,6 +15,8 @@ class ReportSheet;
 // The file appears whole or not at all: an existing file is replaced only by a
 // finished workbook.
 Outcome writeReportXlsx(const ReportSheet &sheet, const QString &path);
+// The same, reporting row by row; a stop leaves no file and an existing one as it was.
+Outcome writeReportXlsx(const ReportSheet &sheet, const QString &path, Progress &progress);
 
 // The width a column is given: its fixed width, else what its widest cell needs
 // (titles and other lines that run on over the next cells do not count).

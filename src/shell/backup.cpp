@@ -5,6 +5,7 @@
 #include "shell/databasefiles.h"
 #include "shell/errorlog.h"
 #include "shell/home.h"
+#include "shell/strings.h"
 
 #include <QDir>
 #include <QFile>
@@ -72,30 +73,48 @@ QStringList Backup::templateFileNames(int dbNumber)
 
 bool Backup::backupDatabase(Database &db, int dbNumber, const QDate &today)
 {
+    Progress unwatched;
+    return backupDatabase(db, dbNumber, unwatched, today);
+}
+
+bool Backup::backupDatabase(Database &db, int dbNumber, Progress &progress, const QDate &today)
+{
     if (readConfig(QStringLiteral("NoBackup"), QStringLiteral("N")) == QLatin1String("Y"))
         return false;
     const QDir dir(getBackupDir());
     if (!dir.exists() && !QDir().mkdir(dir.path()))
         return false;
 
+    // Three rotations, the snapshot, its copy, then the templates.
+    const QStringList templates = templateFileNames(dbNumber);
+    const qint64 steps = 5 + templates.size();
+    qint64 done = 0;
+    const QString what = getString(5305, QStringLiteral("Backing up the database"));
+    auto next = [&] { return progress.step(done++, steps, what); };
+
     // Rotate 3 -> 4, 2 -> 3, 1 -> 2.
     for (int i = 3; i >= 1; --i) {
+        if (!next())
+            return false;
         const QString source = dir.filePath(rotationFileName(dbNumber, i));
         if (QFile::exists(source) && !replaceWith(source, dir.filePath(rotationFileName(dbNumber, i + 1))))
             return false;
     }
-    if (!snapshot(db, dir.filePath(monthlyFileName(dbNumber, today))))
+    if (!next() || !snapshot(db, dir.filePath(monthlyFileName(dbNumber, today))))
         return false;
-    if (!replaceWith(dir.filePath(monthlyFileName(dbNumber, today)), dir.filePath(rotationFileName(dbNumber, 1))))
+    if (!next() || !replaceWith(dir.filePath(monthlyFileName(dbNumber, today)), dir.filePath(rotationFileName(dbNumber, 1))))
         return false;
 
     // Templates: each on its own; a missing one is skipped.
-    const QString templates = Home::path() + QLatin1Char('/');
-    for (const QString &name : templateFileNames(dbNumber)) {
-        const QString source = templates + name;
+    const QString folder = Home::path() + QLatin1Char('/');
+    for (const QString &name : templates) {
+        if (!next())
+            return false;
+        const QString source = folder + name;
         if (QFile::exists(source))
             replaceWith(source, dir.filePath(name));
     }
+    progress.step(steps, steps, what);
     return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/progress.h"
+
 #include <QDate>
 #include <QString>
 #include <QStringList>
@@ -18,6 +20,9 @@ public:
     // Runs the backup of database dbNumber (0 = the single database) unless
     // NoBackup is exactly "Y". Returns false when it was skipped or failed.
     static bool backupDatabase(Database &db, int dbNumber, const QDate &today = QDate::currentDate());
+    // The same, reporting each file; a stop between files keeps every file
+    // already made and makes no more.
+    static bool backupDatabase(Database &db, int dbNumber, Progress &progress, const QDate &today = QDate::currentDate());
 
     static QString rotationFileName(int dbNumber, int index);
     static QString monthlyFileName(int dbNumber, const QDate &today);

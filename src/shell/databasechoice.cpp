@@ -44,7 +44,8 @@ DatabaseChoice::Result DatabaseChoice::change(Session &session, int chosen, Star
         return revert();
 
     old.reset();
-    Backup::backupDatabase(session.db(), chosen);
+    Progress backup = host.backupProgress();
+    Backup::backupDatabase(session.db(), chosen, backup);
     host.initialise(session);
     const QString name = getDBName(chosen);
     messages::inform(2288, QStringLiteral("Database changed to %1"), 2289, QStringLiteral("New Database - %1"), {name});

@@ -113,7 +113,8 @@ Startup::Outcome Startup::run()
     }
     m_session = std::make_unique<Session>(std::move(db), dbNumber);
     m_session->setMultipleDatabases(dbNumber > 0);
-    Backup::backupDatabase(m_session->db(), dbNumber);
+    Progress backup = m_host.backupProgress();
+    Backup::backupDatabase(m_session->db(), dbNumber, backup);
 
     // 8. A database without a property is bound to one first.
     if (m_session->BBID() < 10000) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/progress.h"
 #include "shell/refusal.h"
 #include "shell/session.h"
 
@@ -32,6 +33,8 @@ public:
     // The check for double bookings; false when the user chose to stop.
     virtual bool checkDoubleBookings(Session &session) = 0;
     virtual void showMainWindow(Session &session) = 0;
+    // Who watches the backup of the database just opened; nobody unless the host says.
+    virtual Progress backupProgress() { return {}; }
 };
 
 // The road from a started process to the first calendar on screen, in order:

@@ -71,6 +71,32 @@ private Q_SLOTS:
         QCOMPARE(night(Monday.addDays(1), 2), twoAdults);
     }
 
+    // The bookings are made day by day; a watcher sees the days go by, and one
+    // that stops the work leaves the database as empty as it was.
+    void generationReportsItsDaysAndAStopLeavesNothing()
+    {
+        const auto options = PropertyGenerator::demo();
+        const qint64 days = options.from.daysTo(options.to);
+        qint64 last = -1;
+        bool inOrder = true;
+        Progress watched([&](qint64 done, qint64 total, const QString &) {
+            inOrder = inOrder && done >= last && total == days;
+            last = done;
+            return true;
+        });
+        TestDatabase full;
+        QVERIFY(PropertyGenerator(options).generate(full.db(), watched).has_value());
+        QVERIFY(inOrder);
+        QVERIFY(last > days / 2);
+
+        TestDatabase stopped;
+        Progress halfway([&](qint64 done, qint64, const QString &) { return done < days / 2; });
+        QVERIFY(!PropertyGenerator(options).generate(stopped.db(), halfway).has_value());
+        QVERIFY(BBSetup::isSetupEmpty(stopped.db()));
+        QCOMPARE(stopped.db().scalar("select count(*) from booking").toInt(), 0);
+        QCOMPARE(stopped.db().scalar("select count(*) from room").toInt(), 0);
+    }
+
 private:
     TestDatabase m_database;
     RateData m_rates;

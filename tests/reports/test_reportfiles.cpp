@@ -251,6 +251,28 @@ private Q_SLOTS:
         QVERIFY(QFileInfo(path).permissions() & QFileDevice::ReadOther);
     }
 
+    void aStoppedWorkbookLeavesTheOldFileAndNoPart()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("report.xlsx"));
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("an older report");
+        old.close();
+        const ReportSheet sheet = agedTable({{1, 2}, {3, 4}, {5, 6}}, true);
+        qint64 rows = 0;
+        Progress stopAtTheThird([&](qint64 done, qint64 total, const QString &) {
+            rows = total;
+            return done < 3;
+        });
+        const Outcome written = writeReportXlsx(sheet, path, stopAtTheThird);
+        QCOMPARE(written.refusal().id(), 5306);
+        QCOMPARE(rows, qint64(sheet.rowCount()));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("report.xlsx")});
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("an older report"));
+    }
+
     void aFolderThatCannotBeWrittenIsRefusedAndLeavesNoFile_data()
     {
         QTest::addColumn<QString>("suffix");

@@ -9,10 +9,6 @@ namespace fenlark {
 
 class AboutDialog;
 class MainWindow;
-struct DeskSeams;
-
-// The screens of every subsystem as the desk opens them.
-DeskSeams standardSeams();
 
 // The desk's side of start-up: dialogs, splash and the main window.
 class DeskStartupHost : public StartupHost {
@@ -33,6 +29,8 @@ public:
     // the editor, which needs the main window, so createMainWindow shows it.
     bool checkDoubleBookings(Session &session) override;
     void showMainWindow(Session &session) override;
+    // A progress dialog with Cancel when the backup takes a while.
+    Progress backupProgress() override;
 
     // Builds the main window around the session of a successful start and draws
     // the calendar from a week before today; then the list of double bookings,

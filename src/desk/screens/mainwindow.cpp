@@ -1,16 +1,27 @@
 #include "desk/screens/mainwindow.h"
 
-#include "accounts/accountvalidator.h"
 #include "accounts/screens/accountsearchdialogs.h"
 #include "accounts/screens/ledgerdialogs.h"
+#include "bookings/screens/bookingsearchdialog.h"
+#include "bookings/screens/cancellations.h"
+#include "bookings/screens/checkinout.h"
+#include "bookings/screens/confirmbooking.h"
+#include "bookings/screens/doublebook.h"
+#include "bookings/screens/occupancydialog.h"
+#include "bookings/screens/quickquotedialog.h"
 #include "bookings/screens/reminderbar.h"
+#include "bookings/screens/roomswap.h"
+#include "bookings/screens/viewbooking.h"
+#include "clients/screens/clientdelete.h"
+#include "clients/screens/clienthistorydialog.h"
+#include "clients/screens/clientsearchdialogs.h"
+#include "clients/screens/sourcecodemt.h"
+#include "clients/screens/viewclient.h"
 #include "desk/screens/deskstartuphost.h"
+#include "reports/screens/reportlauncher.h"
 #include "shell/calendar.h"
 #include "shell/calendargrid.h"
-#include "shell/config.h"
 #include "shell/databasechoice.h"
-#include "shell/databasefiles.h"
-#include "shell/home.h"
 #include "shell/messages.h"
 #include "shell/refusal.h"
 #include "shell/screens/aboutdialog.h"
@@ -24,13 +35,16 @@
 #include "shell/screens/settingsdialogs.h"
 #include "shell/screens/waitcursor.h"
 #include "shell/strings.h"
+#include "synch/screens/dlgemergencysynch.h"
+#include "synch/screens/dlgsynch.h"
+#include "synch/screens/dlgupgrade.h"
+#include "synch/synchrun.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateEdit>
 #include <QDesktopServices>
-#include <QFile>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -50,90 +64,6 @@ namespace fenlark {
 
 namespace {
 
-// A caption and tool tip by string id; id 0 means none.
-struct Text {
-    const char *name;
-    int id;
-    const char *caption;
-    int tipId = 0;
-    const char *tip = nullptr;
-};
-
-const Text ButtonTexts[] = {
-    {"cmdBook", 1324, "&Book", 1322, "Make a booking"},
-    {"cmdCheck", 1325, "Select Room(s)", 1326, "See available rooms for these dates"},
-    {"cmdQuote", 1323, "&Quote"},
-    {"cmdCloseBox", 5185, "Close"},
-    {"cmdView", 1320, "&View/Cancel  Booking", 1321, "View a booking"},
-    {"cmdSearch", 1318, "&Search", 1319, "Search for a booking"},
-    {"cmdCheckIn", 5155, "Check-In"},
-    {"cmdCheckOut", 5156, "Check-Out"},
-    {"cmdSwapRoom", 5157, "Swap Room"},
-    {"cmdChangeUser", 5158, "Change User"},
-    {"cmdRefresh", 1309, "Refresh Calendar"},
-    {"cmdToday", 1308, "&Today"},
-    {"cmdPrevWeek", 1317, "Previous Week"},
-    {"cmdNextWeek", 1315, "Next Week"},
-    {"cmdPrevMonth", 1313, "Previous Month"},
-    {"cmdNextMonth", 1311, "Next Month"},
-    {"cmdSynch", 1332, "&Synchronise", 1333, "Synchronise with veldmoor server"},
-    {"cmdExit", 1330, "&Exit", 1331, "Exit program"},
-};
-
-const Text MenuTexts[] = {
-    {"m1File", 1335, "&File"},
-    {"m1Templates", 5160, "Templates"},
-    {"m1Synch", 1340, "&Synchronisation"},
-    {"m1Reports", 1343, "Reports"},
-    {"m1Tools", 1354, "Tools"},
-    {"m1Client", 1361, "Clients"},
-    {"m1Accounts", 5179, "Accounts"},
-    {"m1Transactions", 5182, "Transactions"},
-    {"m1Help", 1365, "&Help"},
-};
-
-const Text ActionTexts[] = {
-    {"m2ChooseDB", 1336, "&Choose Database"},
-    {"m2Config", 1337, "&View Config file"},
-    {"m2Language", 2254, "Choose &Language"},
-    {"m2InvoiceFolder", 1338, "Open &Invoice Folder"},
-    {"m2vmfolder", 1339, "Open &Veldmoor Folder"},
-    {"m2Exit", 1330, "&Exit"},
-    {"m2Invoice", 5161, "Invoice"},
-    {"m2Proforma", 5162, "Proforma"},
-    {"m2CreditNote", 5163, "Credit Note"},
-    {"m2Registration", 5164, "Registration"},
-    {"m2Confirmation", 5165, "Confirmation"},
-    {"m2SynchLD", 1341, "Latest Data"},
-    {"m2SynchFull", 1342, "Emergency Synch"},
-    {"m2xl1", 5166, "Calendar Printout"},
-    {"m2xl2", 5167, "Booking Summary"},
-    {"m2xl3", 5168, "Extras Report"},
-    {"m2xl4", 1347, "Client Report"},
-    {"m2xl5", 5170, "Arrivals/Departures"},
-    {"m2xl6", 5171, "In-House Report"},
-    {"m2xl7", 5172, "Outstanding Accounts"},
-    {"m2xl8", 5173, "Debtors"},
-    {"m2xl9", 5174, "Transaction Report"},
-    {"m2xl10", 5175, "Marketing Report"},
-    {"m2xl11", 5176, "Payments Report"},
-    {"m2xl12", 5177, "Security Audit"},
-    {"m2Occupancy", 1355, "Occupancy"},
-    {"m2Cancellations", 1356, "Cancellations"},
-    {"m2DoubleBooking", 1357, "Double Bookings"},
-    {"m2Source", 1359, "Replace Marketing Source"},
-    {"m2Options", 1360, "Options"},
-    {"m2Client", 1362, "Client Search"},
-    {"m2ClientReport", 1347, "Client Report"},
-    {"m2ClientHistory", 1363, "Client History"},
-    {"m2ClientRetire", 5178, "Client Retire"},
-    {"m2AccountsSearch", 5180, "Search"},
-    {"m2AccountsCloseEmpty", 5181, "Close empty"},
-    {"m2Transactions", 5182, "Transactions"},
-    {"m2Upgrade", 5183, "&Upgrade"},
-    {"m2About", 1366, "&About"},
-};
-
 QString text(int id, const char *fallback)
 {
     // An empty translation keeps the English caption.
@@ -151,6 +81,8 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, QWidget *parent)
 {
     setObjectName(QStringLiteral("frmMain"));
     m_session->setChangeListener(this);
+    DeskUi &ui = *this;
+    m_commands = std::make_unique<MainCommands>(*m_session, ui);
     buildControls();
     buildMenus();
     retranslate();
@@ -195,10 +127,13 @@ void MainWindow::buildControls()
     layout->setContentsMargins(6, 6, 6, 6);
     layout->setSpacing(6);
 
-    for (const Text &t : ButtonTexts) {
+    for (const DeskCommand &command : MainCommands::commands()) {
+        if (command.place != DeskCommand::Button)
+            continue;
         auto *b = new QPushButton(central);
-        b->setObjectName(QString::fromLatin1(t.name));
+        b->setObjectName(command.name);
         b->setAutoDefault(false);
+        connect(b, &QPushButton::clicked, this, guarded([this, name = command.name] { m_commands->run(name); }));
         m_buttons.push_back(b);
     }
 
@@ -313,7 +248,10 @@ void MainWindow::buildControls()
     connect(m_leaving, &QDateEdit::dateChanged, this, guarded(this, &MainWindow::leavingChanged));
     connect(m_nights, &QLineEdit::textEdited, this, guarded(this, &MainWindow::nightsEdited));
     connect(m_view, &CalendarView::widthChanged, this, guarded(this, &MainWindow::drawCalendar));
-    connect(m_view, &QAbstractItemView::doubleClicked, this, guarded(this, &MainWindow::cellDoubleClicked));
+    connect(m_view, &QAbstractItemView::doubleClicked, this, guarded(this, &MainWindow::viewSelectedBooking));
+    connect(m_view, &CalendarView::openRequested, this, guarded(this, &MainWindow::viewSelectedBooking));
+    connect(m_view, &CalendarView::daysRequested, this, guarded([this](int days) { setFromDate(fromDate().addDays(days)); }));
+    connect(m_view, &CalendarView::todayRequested, this, guarded([this] { m_commands->run(QStringLiteral("cmdToday")); }));
     connect(m_view->calendarHeader(), &CalendarHeader::bandDoubleClicked, this, guarded(this, &MainWindow::headerDoubleClicked));
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, guarded(this, &MainWindow::selectionChanged));
     connect(m_model, &QAbstractItemModel::modelReset, this, guarded([this] {
@@ -324,165 +262,47 @@ void MainWindow::buildControls()
     auto *colours = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_P), m_view, nullptr, nullptr, Qt::WidgetShortcut);
     connect(colours, &QShortcut::activated, this, guarded(this, &MainWindow::openColourPicker));
 
-    connect(button(QStringLiteral("cmdToday")), &QPushButton::clicked, this, guarded([this] { setFromDate(QDate::currentDate().addDays(-7)); }));
-    connect(button(QStringLiteral("cmdPrevWeek")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addDays(-7)); }));
-    connect(button(QStringLiteral("cmdNextWeek")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addDays(7)); }));
-    connect(button(QStringLiteral("cmdPrevMonth")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addMonths(-1)); }));
-    connect(button(QStringLiteral("cmdNextMonth")), &QPushButton::clicked, this, guarded([this] { setFromDate(fromDate().addMonths(1)); }));
-    connect(button(QStringLiteral("cmdRefresh")), &QPushButton::clicked, this, guarded(this, &MainWindow::refresh));
-    connect(button(QStringLiteral("cmdCheck")), &QPushButton::clicked, this, guarded(this, &MainWindow::checkRooms));
-    connect(button(QStringLiteral("cmdBook")), &QPushButton::clicked, this, guarded(this, &MainWindow::book));
-    connect(button(QStringLiteral("cmdCloseBox")), &QPushButton::clicked, this, guarded([this] {
-        button(QStringLiteral("cmdCloseBox"))->setVisible(false);
-        m_roomsBox->setVisible(false);
-    }));
-    connect(button(QStringLiteral("cmdView")), &QPushButton::clicked, this, guarded(this, &MainWindow::cellDoubleClicked));
-    connect(button(QStringLiteral("cmdChangeUser")), &QPushButton::clicked, this, guarded(this, &MainWindow::changeUser));
-    for (const auto &[name, mode] : {std::pair{"cmdCheckIn", 1}, std::pair{"cmdCheckOut", 2}}) {
-        connect(button(QString::fromLatin1(name)), &QPushButton::clicked, this, guarded([this, mode = mode] {
-            if (m_seams.checkInOut)
-                m_seams.checkInOut(*this, mode);
-        }));
-    }
-    connect(button(QStringLiteral("cmdSwapRoom")), &QPushButton::clicked, this, guarded([this] {
-        if (m_seams.swapRoom)
-            m_seams.swapRoom(*this);
-    }));
-    connect(button(QStringLiteral("cmdSearch")), &QPushButton::clicked, this, guarded([this] {
-        if (m_seams.search)
-            m_seams.search(*this);
-    }));
-    connect(button(QStringLiteral("cmdQuote")), &QPushButton::clicked, this, guarded([this] {
-        if (m_seams.quickQuote)
-            m_seams.quickQuote(*this, m_inDate->date(), m_nights->text().toInt());
-    }));
-    connect(button(QStringLiteral("cmdSynch")), &QPushButton::clicked, this, guarded(this, &MainWindow::manualSynch));
-    connect(button(QStringLiteral("cmdExit")), &QPushButton::clicked, this, guarded(this, &QWidget::close));
 }
 
 void MainWindow::buildMenus()
 {
-    auto addMenu = [this](const char *name) {
-        QMenu *menu = menuBar()->addMenu(QString());
-        menu->setObjectName(QString::fromLatin1(name));
-        m_menus.push_back(menu);
-        return menu;
-    };
-    auto addAction = [this](QMenu *menu, const char *name) {
-        QAction *action = menu->addAction(QString());
-        action->setObjectName(QString::fromLatin1(name));
+    for (const DeskCommand &command : MainCommands::commands()) {
+        if (command.place == DeskCommand::Button)
+            continue;
+        QAction *action = nullptr;
+        if (command.place == DeskCommand::MenuBar) {
+            action = menuBar()->addAction(QString());
+        } else {
+            auto menu = std::find_if(m_menus.begin(), m_menus.end(), [&](QMenu *m) { return m->objectName() == command.menu; });
+            if (menu == m_menus.end()) {
+                m_menus.push_back(menuBar()->addMenu(QString()));
+                m_menus.back()->setObjectName(command.menu);
+                menu = m_menus.end() - 1;
+            }
+            action = (*menu)->addAction(QString());
+        }
+        action->setObjectName(command.name);
+        connect(action, &QAction::triggered, this, guarded([this, name = command.name] { m_commands->run(name); }));
         m_actions.push_back(action);
-        return action;
-    };
-    QMenu *file = addMenu("m1File");
-    for (const char *n : {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder", "m2Exit"})
-        addAction(file, n);
-    QMenu *templates = addMenu("m1Templates");
-    for (const char *n : {"m2Invoice", "m2Proforma", "m2CreditNote", "m2Registration", "m2Confirmation"})
-        addAction(templates, n);
-    QMenu *synch = addMenu("m1Synch");
-    addAction(synch, "m2SynchLD");
-    addAction(synch, "m2SynchFull");
-    QMenu *reports = addMenu("m1Reports");
-    for (int i = 1; i <= 12; ++i)
-        addAction(reports, qPrintable(QStringLiteral("m2xl%1").arg(i)));
-    QMenu *tools = addMenu("m1Tools");
-    for (const char *n : {"m2Occupancy", "m2Cancellations", "m2DoubleBooking", "m2Source", "m2Options"})
-        addAction(tools, n);
-    QMenu *clients = addMenu("m1Client");
-    for (const char *n : {"m2Client", "m2ClientReport", "m2ClientHistory", "m2ClientRetire"})
-        addAction(clients, n);
-    QMenu *accounts = addMenu("m1Accounts");
-    addAction(accounts, "m2AccountsSearch");
-    addAction(accounts, "m2AccountsCloseEmpty");
-    QMenu *transactions = addMenu("m1Transactions");
-    addAction(transactions, "m2Transactions");
-    QMenu *help = addMenu("m1Help");
-    addAction(help, "m2Upgrade");
-    addAction(help, "m2About");
-
-    menuAction(QStringLiteral("m2ChooseDB"))->setVisible(m_session->multipleDatabases());
-    connect(menuAction(QStringLiteral("m2Config")), &QAction::triggered, this, guarded(this, &MainWindow::viewConfig));
-    connect(menuAction(QStringLiteral("m2Language")), &QAction::triggered, this, guarded(this, &MainWindow::chooseLanguage));
-    connect(menuAction(QStringLiteral("m2InvoiceFolder")), &QAction::triggered, this,
-            guarded([this] { openFolder(config::invoiceDir(m_session->dbNumber())); }));
-    connect(menuAction(QStringLiteral("m2vmfolder")), &QAction::triggered, this, guarded([this] { openFolder(Home::path()); }));
-    connect(menuAction(QStringLiteral("m2AccountsCloseEmpty")), &QAction::triggered, this, guarded(this, &MainWindow::closeEmptyAccounts));
-    connect(menuAction(QStringLiteral("m2AccountsSearch")), &QAction::triggered, this,
-            guarded([this] { AccountsList::initialise(*m_session, this); }));
-    connect(menuAction(QStringLiteral("m2Transactions")), &QAction::triggered, this,
-            guarded([this] { ClientTranSearch::initialise(*m_session, this); }));
-    connect(menuAction(QStringLiteral("m2Exit")), &QAction::triggered, this, guarded(this, &QWidget::close));
-    connect(menuAction(QStringLiteral("m2SynchLD")), &QAction::triggered, this, guarded(this, &MainWindow::manualSynch));
-    connect(menuAction(QStringLiteral("m2SynchFull")), &QAction::triggered, this, guarded([this] {
-        if (m_seams.emergencySynch && m_seams.emergencySynch(*this))
-            afterSynchronisation();
-    }));
-    connect(menuAction(QStringLiteral("m2DoubleBooking")), &QAction::triggered, this, guarded([this] {
-        const QString ask = getString(2299, QStringLiteral("Check for double bookings?"));
-        if (m_seams.doubleBookings && messages::ask(2299, ask, 2299, ask) && !checkDoubleBookings(false))
-            endNicely();
-    }));
-    const std::pair<const char *, std::function<void(MainWindow &)> DeskSeams::*> clientScreens[] = {
-        {"m2Client", &DeskSeams::clientMaintenance},
-        {"m2ClientHistory", &DeskSeams::clientHistory},
-        {"m2ClientRetire", &DeskSeams::clientRetire},
-        {"m2Source", &DeskSeams::replaceSource},
-    };
-    for (const auto &[name, seam] : clientScreens) {
-        connect(menuAction(QString::fromLatin1(name)), &QAction::triggered, this, guarded([this, seam = seam] {
-            if (m_seams.*seam)
-                (m_seams.*seam)(*this);
-        }));
     }
-    for (int number = 1; number <= 12; ++number) {
-        connect(menuAction(QStringLiteral("m2xl%1").arg(number)), &QAction::triggered, this, guarded([this, number] {
-            if (m_seams.runReport)
-                m_seams.runReport(*this, number);
-        }));
-    }
-    // The Clients menu's own entry for the Client Report.
-    connect(menuAction(QStringLiteral("m2ClientReport")), &QAction::triggered, this, guarded([this] {
-        if (m_seams.runReport)
-            m_seams.runReport(*this, 4);
-    }));
-    connect(menuAction(QStringLiteral("m2Occupancy")), &QAction::triggered, this, guarded([this] {
-        if (m_seams.occupancy)
-            m_seams.occupancy(*this);
-    }));
-    connect(menuAction(QStringLiteral("m2Cancellations")), &QAction::triggered, this, guarded([this] {
-        if (m_seams.cancellations && !m_seams.cancellations(*this))
-            endNicely();
-    }));
-    connect(menuAction(QStringLiteral("m2ChooseDB")), &QAction::triggered, this, guarded(this, &MainWindow::chooseDatabase));
-    connect(menuAction(QStringLiteral("m2Options")), &QAction::triggered, this, guarded(this, &MainWindow::openOptions));
-    connect(menuAction(QStringLiteral("m2About")), &QAction::triggered, this, guarded(this, &MainWindow::showAbout));
-    connect(menuAction(QStringLiteral("m2Upgrade")), &QAction::triggered, this, guarded([this] {
-        if (m_seams.upgrade)
-            m_seams.upgrade(*this);
-    }));
 }
 
 void MainWindow::retranslate()
 {
-    QString caption = text(1307, "veldmoor");
-    if (m_session->dbNumber() > 0)
-        caption += QStringLiteral(" - ") + getDBName(m_session->dbNumber());
-    setWindowTitle(caption);
-    for (const Text &t : ButtonTexts) {
-        QPushButton *b = button(QString::fromLatin1(t.name));
-        b->setText(text(t.id, t.caption));
-        if (t.tipId)
-            b->setToolTip(text(t.tipId, t.tip));
+    setWindowTitle(m_commands->windowCaption());
+    for (const DeskCommand &command : MainCommands::commands()) {
+        if (command.place == DeskCommand::Button) {
+            QPushButton *b = button(command.name);
+            b->setText(command.caption);
+            b->setToolTip(command.toolTip);
+        } else {
+            menuAction(command.name)->setText(command.caption);
+        }
     }
-    for (QMenu *menu : m_menus)
-        for (const Text &t : MenuTexts)
-            if (menu->objectName() == QLatin1String(t.name))
-                menu->setTitle(text(t.id, t.caption));
-    for (QAction *action : m_actions)
-        for (const Text &t : ActionTexts)
-            if (action->objectName() == QLatin1String(t.name))
-                action->setText(text(t.id, t.caption));
+    for (const DeskMenu &title : MainCommands::menus())
+        for (QMenu *menu : m_menus)
+            if (menu->objectName() == title.name)
+                menu->setTitle(title.title);
     m_viewFromLabel->setText(text(5151, "View calendar from:"));
     m_bookBox->setTitle(text(5150, "New booking"));
     m_inDateLabel->setText(text(5152, "Arriving:"));
@@ -497,55 +317,21 @@ void MainWindow::retranslate()
 
 void MainWindow::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::LanguageChange) {
+    if (event->type() == QEvent::LanguageChange)
         retranslate();
-        m_session->loadStatusColours();
-        drawCalendar();
-    }
     QMainWindow::changeEvent(event);
-}
-
-void MainWindow::setSeams(DeskSeams seams)
-{
-    m_seams = std::move(seams);
-    updateCommandStates();
 }
 
 void MainWindow::updateCommandStates()
 {
-    // A command whose screen is not connected stays visible but disabled.
-    button(QStringLiteral("cmdView"))->setEnabled(bool(m_seams.viewBooking));
-    button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
-    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
-    button(QStringLiteral("cmdSearch"))->setEnabled(bool(m_seams.search));
-    button(QStringLiteral("cmdSwapRoom"))->setEnabled(bool(m_seams.swapRoom));
-    button(QStringLiteral("cmdSynch"))->setEnabled(bool(m_seams.synchronise));
-    button(QStringLiteral("cmdCheckIn"))->setEnabled(bool(m_seams.checkInOut));
-    button(QStringLiteral("cmdCheckOut"))->setEnabled(bool(m_seams.checkInOut));
-
-    static const char *activeActions[] = {"m2ChooseDB", "m2Config", "m2Language", "m2InvoiceFolder", "m2vmfolder",
-                                          "m2Exit", "m2Options", "m2About", "m2AccountsCloseEmpty", "m2AccountsSearch",
-                                          "m2Transactions"};
-    for (QAction *action : m_actions) {
-        bool on = false;
-        for (const char *name : activeActions)
-            on = on || action->objectName() == QLatin1String(name);
-        action->setEnabled(on);
-    }
-    menuAction(QStringLiteral("m2SynchLD"))->setEnabled(bool(m_seams.synchronise));
-    menuAction(QStringLiteral("m2SynchFull"))->setEnabled(bool(m_seams.emergencySynch));
-    menuAction(QStringLiteral("m2DoubleBooking"))->setEnabled(bool(m_seams.doubleBookings));
-    menuAction(QStringLiteral("m2Client"))->setEnabled(bool(m_seams.clientMaintenance));
-    menuAction(QStringLiteral("m2ClientHistory"))->setEnabled(bool(m_seams.clientHistory));
-    menuAction(QStringLiteral("m2ClientRetire"))->setEnabled(bool(m_seams.clientRetire));
-    menuAction(QStringLiteral("m2Source"))->setEnabled(bool(m_seams.replaceSource));
-    for (int number = 1; number <= 12; ++number)
-        menuAction(QStringLiteral("m2xl%1").arg(number))->setEnabled(bool(m_seams.runReport));
-    menuAction(QStringLiteral("m2ClientReport"))->setEnabled(bool(m_seams.runReport));
-    menuAction(QStringLiteral("m2Occupancy"))->setEnabled(bool(m_seams.occupancy));
-    menuAction(QStringLiteral("m2Cancellations"))->setEnabled(bool(m_seams.cancellations));
-    menuAction(QStringLiteral("m2Upgrade"))->setEnabled(bool(m_seams.upgrade));
-    button(QStringLiteral("cmdChangeUser"))->setVisible(!UserLogin::userList(m_session->db()).empty());
+    for (QPushButton *b : m_buttons)
+        if (b->objectName() != QLatin1String("cmdCloseBox"))   // that one comes with the room list
+            b->setVisible(m_commands->isShown(b->objectName()));
+    for (QAction *action : m_actions)
+        action->setVisible(m_commands->isShown(action->objectName()));
+    const bool roomsListed = m_rooms->count() > 0;
+    button(QStringLiteral("cmdBook"))->setEnabled(roomsListed);
+    button(QStringLiteral("cmdQuote"))->setEnabled(roomsListed);
 }
 
 void MainWindow::applyChanges(const Changes &changes)
@@ -710,7 +496,7 @@ void MainWindow::fillDetails(int row, int column)
         return;
     const auto details = bookingDetails(m_session->db(), cell.entry->BBBookingID, m_model->roomIdAt(row));
     if (!details) {
-        refresh();
+        refreshCalendar();
         return;
     }
     m_details->setPlainText(*details);
@@ -750,11 +536,11 @@ void MainWindow::checkRooms()
         }
     }
     m_out->setText(deskLocale().toString(from.addDays(nights), QStringLiteral("ddd dd MMM yyyy")));
-    button(QStringLiteral("cmdBook"))->setEnabled(bool(m_seams.confirmBooking) && m_rooms->count() > 0);
-    button(QStringLiteral("cmdQuote"))->setEnabled(bool(m_seams.quickQuote) && m_rooms->count() > 0);
+    button(QStringLiteral("cmdBook"))->setEnabled(m_rooms->count() > 0);
+    button(QStringLiteral("cmdQuote"))->setEnabled(m_rooms->count() > 0);
 }
 
-void MainWindow::book()
+void MainWindow::bookSelectedRooms()
 {
     if (m_rooms->count() == 0) {
         button(QStringLiteral("cmdBook"))->setEnabled(false);
@@ -767,17 +553,36 @@ void MainWindow::book()
         messages::critical(2276, QStringLiteral("You didn't pick a room."), 2277, QStringLiteral("No room selected"));
         return;
     }
-    if (!m_seams.confirmBooking || m_seams.confirmBooking(*this, rooms, m_inDate->date(), m_nights->text().toInt()) == 0)
+    ConfirmBooking dialog(*m_session, m_rates, rooms, m_inDate->date(), m_nights->text().toInt(), this);
+    if (dialog.exec() != QDialog::Accepted)
         return;
-    // A booking was made: the room list has served and closes.
+    // A booking was made: the room list has served and closes, and the booking
+    // opens in the editor.
+    closeRoomList();
+    clearRoomList();
+    openBooking(dialog.saved().BBBookingID, dialog.saved().firstRoomId);
+}
+
+void MainWindow::closeRoomList()
+{
     button(QStringLiteral("cmdCloseBox"))->setVisible(false);
     m_roomsBox->setVisible(false);
-    clearRoomList();
+}
+
+void MainWindow::quickQuote()
+{
+    QuickQuoteDialog dialog(*m_session, m_rates, m_inDate->date(), m_nights->text().toInt(), this);
+    dialog.exec();
 }
 
 bool MainWindow::checkDoubleBookings(bool onStart)
 {
-    return !m_seams.doubleBookings || m_seams.doubleBookings(*this, onStart);
+    return DoubleBook::check(*m_session, bookingOpener(), onStart, this);
+}
+
+bool MainWindow::doubleBookings(bool onStart)
+{
+    return checkDoubleBookings(onStart);
 }
 
 std::function<void(qint32, qint32)> MainWindow::bookingOpener()
@@ -785,7 +590,7 @@ std::function<void(qint32, qint32)> MainWindow::bookingOpener()
     return [this](qint32 booking, qint32 room) { openBooking(booking, room); };
 }
 
-void MainWindow::cellDoubleClicked()
+void MainWindow::viewSelectedBooking()
 {
     const QModelIndex current = m_view->currentIndex();
     QModelIndexList selected = m_view->selectionModel()->selectedIndexes();
@@ -797,9 +602,7 @@ void MainWindow::cellDoubleClicked()
         messages::critical(2286, QStringLiteral("No booking selected."), 2287, QStringLiteral("Please select a booking"));
         return;
     }
-    if (!m_seams.viewBooking)
-        return;
-    m_seams.viewBooking(*this, cell.data(CalendarModel::BookingIdRole).toInt(), cell.data(CalendarModel::RoomIdRole).toInt());
+    openBooking(cell.data(CalendarModel::BookingIdRole).toInt(), cell.data(CalendarModel::RoomIdRole).toInt());
     fillDetails(cell.row(), cell.column());
 }
 
@@ -813,41 +616,70 @@ void MainWindow::headerDoubleClicked(int column, int band)
         applyChanges(Changes().events());
 }
 
-void MainWindow::refresh()
+void MainWindow::refreshCalendar()
 {
     initCalendar();
     drawCalendar();
     m_view->setFocus();
 }
 
-void MainWindow::manualSynch()
+bool MainWindow::openPath(const QString &path)
 {
-    if (!m_seams.synchronise)
-        return;
-    if (m_seams.synchronise(*this, true))
-        afterSynchronisation();
-    else
-        refresh();
+    return openUrl(QUrl::fromLocalFile(path));
 }
 
-void MainWindow::afterSynchronisation()
+void MainWindow::setHourglass(bool on)
 {
-    // A run starts with the setup download, so the rate data may have changed too.
-    applyChanges(Changes().setup());
+    if (on)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void MainWindow::exitDesk()
+{
+    close();
+}
+
+void MainWindow::searchBookings()
+{
+    BookingSearchDialog dialog(*m_session, bookingOpener(), [this](QDate from) { setFromDate(from); }, this);
+    dialog.exec();
+}
+
+void MainWindow::checkInOut(int mode)
+{
+    CheckInOut::initialise(*m_session, mode == 1 ? StayEnd::Arrivals : StayEnd::Departures, bookingOpener(), this);
+}
+
+void MainWindow::swapRooms()
+{
+    RoomSwapDialog dialog(*m_session, this);
+    dialog.exec();
+}
+
+bool MainWindow::synchronise(bool manual)
+{
+    if (!manual)
+        return automaticSynch(m_session->db());
+    const bool changed = synchManually(m_session->db(), this);
     m_view->setFocus();
-    // What the server delivered may have sold a room twice.
-    if (!checkDoubleBookings(true))
-        endNicely();
+    return changed;
+}
+
+bool MainWindow::emergencyAccessGranted()
+{
+    DlgEmergencySynch dialog(this);
+    dialog.exec();
+    return dialog.goodPassword();
 }
 
 void MainWindow::chooseDatabase()
 {
     const int chosen = ChooseDatabaseDialog::choose(m_session->dbNumber(), this);
     DeskStartupHost host;
-    if (DatabaseChoice::change(*m_session, chosen, host) == DatabaseChoice::Changed) {
-        setWindowTitle(QStringLiteral("veldmoor - ") + getDBName(m_session->dbNumber()));
+    if (DatabaseChoice::change(*m_session, chosen, host) == DatabaseChoice::Changed)
         initialise();
-    }
 }
 
 void MainWindow::chooseLanguage()
@@ -855,50 +687,83 @@ void MainWindow::chooseLanguage()
     LanguageDialog::showDialog(this);
 }
 
-void MainWindow::viewConfig()
+void MainWindow::runReport(int number)
 {
-    if (openUrl(QUrl::fromLocalFile(configPath())))
-        return;
-    // Without a text editor the file is shown in a message of its own.
-    QFile file(configPath());
-    const QString text = file.open(QIODevice::ReadOnly | QIODevice::Text) ? QString::fromUtf8(file.readAll()) : QString();
-    messages::inform(0, text, 0, QStringLiteral("vmConfig.ini"));
+    ReportLauncher launcher(*m_session, this);
+    launcher.openFile = [this](const QString &path) { return openPath(path); };
+    launcher.run(number);
 }
 
-void MainWindow::openFolder(const QString &path)
+void MainWindow::occupancy()
 {
-    if (path.isEmpty() || openUrl(QUrl::fromLocalFile(path)))
-        return;
-    messages::show(Refusal(1263, QStringLiteral("Could not open the file manager."), 1264,
-                           QStringLiteral("Could not open the file manager")));
+    OccupancyDialog dialog(*m_session, m_rates, this);
+    dialog.exec();
 }
 
-void MainWindow::closeEmptyAccounts()
+void MainWindow::cancellations()
 {
-    if (!messages::ask(5186, QStringLiteral("Close off all empty accounts?"), 5187, QStringLiteral("Close empty accounts")))
-        return;
-    WaitCursor wait;
-    AccountValidator().closeAllEmptyAccounts(m_session->db());
+    Cancellations dialog(*m_session, m_rates, this);
+    dialog.fill();
+    dialog.exec();
+}
+
+void MainWindow::replaceSource()
+{
+    SourceCodeMT dialog(*m_session, this);
+    dialog.exec();
+}
+
+void MainWindow::options()
+{
+    PreferencesDialog dialog(*m_session, this);
+    dialog.exec();
+}
+
+void MainWindow::clientSearch()
+{
+    ViewClientOpener editor(*m_session);
+    ClientMaintenance dialog(m_session->db(), editor, this);
+    dialog.exec();
+}
+
+void MainWindow::clientHistory()
+{
+    ClientHistory dialog(*m_session, bookingOpener(), this);
+    dialog.exec();
+}
+
+void MainWindow::clientRetire()
+{
+    ClientDelete dialog(*m_session, this);
+    dialog.exec();
+}
+
+void MainWindow::accountSearch()
+{
+    AccountsList::initialise(*m_session, this);
+}
+
+void MainWindow::transactions()
+{
+    ClientTranSearch::initialise(*m_session, this);
+}
+
+void MainWindow::upgrade()
+{
+    DlgUpgrade dialog(this);
+    dialog.exec();
+}
+
+void MainWindow::about()
+{
+    AboutDialog dialog(true, this);
+    dialog.exec();
 }
 
 void MainWindow::openColourPicker()
 {
     ColourPickerDialog dialog(*m_session, this);
     connect(&dialog, &ColourPickerDialog::coloursChanged, this, guarded(this, &MainWindow::drawCalendar));
-    dialog.exec();
-}
-
-void MainWindow::openOptions()
-{
-    if (checkPermission(m_session->getUser(), SecurityAction::AdminOnly))
-        return;
-    PreferencesDialog dialog(*m_session, this);
-    dialog.exec();
-}
-
-void MainWindow::showAbout()
-{
-    AboutDialog dialog(true, this);
     dialog.exec();
 }
 
@@ -939,18 +804,16 @@ void MainWindow::checkExpired()
 
 void MainWindow::synchronise()
 {
-    if (!m_seams.synchronise)
-        return;
     bool changed = false;
     QPushButton *synch = button(QStringLiteral("cmdSynch"));
     synch->setEnabled(false);
     {
         WaitCursor wait;
-        runGuarded([&] { changed = m_seams.synchronise(*this, false); });
+        runGuarded([&] { changed = synchronise(false); });
     }
     synch->setEnabled(true);
     if (changed)
-        afterSynchronisation();
+        m_commands->afterSynchronisation();
 }
 
 void MainWindow::restoreWindow()
@@ -961,8 +824,11 @@ void MainWindow::restoreWindow()
 
 void MainWindow::openBooking(qint32 bbBookingId, qint32 bbRoomId)
 {
-    if (m_seams.viewBooking)
-        m_seams.viewBooking(*this, bbBookingId, bbRoomId);
+    if (m_bookingScreen) {
+        m_bookingScreen(bbBookingId, bbRoomId);
+        return;
+    }
+    ViewBooking::initialise(*m_session, m_rates, bbBookingId, bbRoomId, this);
 }
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/maincommands.h"
 #include "rates/ratedata.h"
 #include "shell/changes.h"
 #include "shell/session.h"
@@ -29,55 +30,15 @@ namespace fenlark {
 class CalendarLegend;
 class CalendarModel;
 class CalendarView;
-class MainWindow;
 class ReminderBar;
 
-// The screens of the subsystems that the desk opens, each replaceable by tests.
-// Until one is connected its buttons and menu entries stay disabled.
-struct DeskSeams {
-    // The booking editor on one room of a booking.
-    std::function<void(MainWindow &, qint32 bbBookingId, qint32 bbRoomId)> viewBooking;
-    // The new-booking screen for the chosen rooms and dates; the booking made, 0 for none.
-    std::function<qint32(MainWindow &, const std::vector<qint32> &roomIds, QDate inDate, int nights)> confirmBooking;
-    // A synchronisation (manual: with its dialog); true when data changed.
-    std::function<bool(MainWindow &, bool manual)> synchronise;
-    // Everything logged again and sent (the emergency synchronisation); true when data changed.
-    std::function<bool(MainWindow &)> emergencySynch;
-    // The check for rooms sold twice (onStart: silent when all is clear); false
-    // when the user chose to leave the program instead of repairing them.
-    std::function<bool(MainWindow &, bool onStart)> doubleBookings;
-    // Today's arrivals (mode 1) or departures.
-    std::function<void(MainWindow &, int mode)> checkInOut;
-    // Clients > Client Search: the client browser, from which the client editor opens.
-    std::function<void(MainWindow &)> clientMaintenance;
-    // Clients > Client History: every booking a chosen client had a part in.
-    std::function<void(MainWindow &)> clientHistory;
-    // Clients > Client Retire: one client retired into another.
-    std::function<void(MainWindow &)> clientRetire;
-    // Tools > Replace Marketing Source: a source renamed on the desk's bookings.
-    std::function<void(MainWindow &)> replaceSource;
-    // Report number 1 to 12: its permission, its criteria and the report.
-    std::function<void(MainWindow &, int number)> runReport;
-    // Two rooms staying on a date exchange their guests.
-    std::function<void(MainWindow &)> swapRoom;
-    // The booking search; it may open bookings and move the calendar.
-    std::function<void(MainWindow &)> search;
-    // The free room types and their prices for a stay, preset from the new-booking panel.
-    std::function<void(MainWindow &, QDate arrival, int nights)> quickQuote;
-    // How full chosen rooms were between two dates.
-    std::function<void(MainWindow &)> occupancy;
-    // The cancelled rooms, to restore; false when the check for rooms sold
-    // twice that follows it ended with the user leaving the program.
-    std::function<bool(MainWindow &)> cancellations;
-    // The software upgrade dialog.
-    std::function<void(MainWindow &)> upgrade;
-};
 
 // frmMain: the desk's main window. It owns the session and the rate data and is
 // where every screen gets the shared data from: the database, the user, rooms,
 // the calendar. It is the one listener to what the core's writes changed, and
-// brings the calendar up to date from that.
-class MainWindow : public QMainWindow, public ChangeListener, private TickHooks {
+// brings the calendar up to date from that. Its buttons and menu entries run
+// through MainCommands, which the window serves as its DeskUi.
+class MainWindow : public QMainWindow, public ChangeListener, private TickHooks, private DeskUi {
     Q_OBJECT
 
 public:
@@ -88,7 +49,6 @@ public:
     // The property's rate data, loaded once and again only when the setup changes.
     const RateData &rates() const { return m_rates; }
     const UserStruct &getUser() const { return m_session->getUser(); }
-    void setSeams(DeskSeams seams);
 
     // Patches the calendar cache from what a write changed, then redraws.
     void applyChanges(const Changes &changes) override;
@@ -100,13 +60,15 @@ public:
     // The calendar: loads the setup, empties the cache, draws from dpFrom.
     void initialise();
     void initCalendar() { m_session->calendar().initCalendar(); }
-    void drawCalendar();
-    void setFromDate(QDate date);
-    QDate fromDate() const;
+    void drawCalendar() override;
+    void setFromDate(QDate date) override;
+    QDate fromDate() const override;
     // The check for rooms sold twice; false when the user chose to leave the program.
     bool checkDoubleBookings(bool onStart);
     // Opens the booking editor on one room of a booking (for the lists that do).
     std::function<void(qint32, qint32)> bookingOpener();
+    // The screen a booking opens in: the booking editor unless a test puts its own here.
+    void setBookingScreen(std::function<void(qint32 bbBookingId, qint32 bbRoomId)> open) { m_bookingScreen = std::move(open); }
     // The user's log-on (start-up and Change User); false when cancelled.
     bool enterPassword();
     // Closes without the unsent-changes question.
@@ -128,10 +90,8 @@ public:
     QAction *menuAction(const QString &objectName) const;
     bool roomListActive() const { return m_roomListActive; }
 
-public Q_SLOTS:
     // cmdCheck: the free rooms for dpInDate and txtNights.
-    void checkRooms();
-    void refresh();
+    void checkRooms() override;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -143,10 +103,40 @@ private:
     bool deskIdle() override;
     void checkExpired() override;
     void synchronise() override;
-
     // Brings a minimised window back when a reminder comes up.
     void restoreWindow();
     void openBooking(qint32 bbBookingId, qint32 bbRoomId);
+    // DeskUi
+    void refreshCalendar() override;
+    void bookSelectedRooms() override;
+    void closeRoomList() override;
+    void viewSelectedBooking() override;
+    void quickQuote() override;
+    bool openPath(const QString &path) override;
+    void setHourglass(bool on) override;
+    void exitDesk() override;
+    void endDesk() override { endNicely(); }
+    void searchBookings() override;
+    void checkInOut(int mode) override;
+    void swapRooms() override;
+    void changeUser() override;
+    bool synchronise(bool manual) override;
+    bool emergencyAccessGranted() override;
+    bool doubleBookings(bool onStart) override;
+    void chooseDatabase() override;
+    void chooseLanguage() override;
+    void runReport(int number) override;
+    void occupancy() override;
+    void cancellations() override;
+    void replaceSource() override;
+    void options() override;
+    void clientSearch() override;
+    void clientHistory() override;
+    void clientRetire() override;
+    void accountSearch() override;
+    void transactions() override;
+    void upgrade() override;
+    void about() override;
 
     void buildControls();
     void buildMenus();
@@ -158,27 +148,14 @@ private:
     void leavingChanged();
     void nightsEdited();
     void selectionChanged();
-    void cellDoubleClicked();
     void headerDoubleClicked(int column, int band);
     void fillDetails(int row, int column);
     void clearRoomList();
-    void book();
-    // Redraws, then checks for rooms the delivered changes sold twice.
-    void afterSynchronisation();
-    void manualSynch();
-    void chooseLanguage();
-    void viewConfig();
-    void openFolder(const QString &path);
-    void closeEmptyAccounts();
-    void chooseDatabase();
     void openColourPicker();
-    void openOptions();
-    void showAbout();
-    void changeUser();
 
     std::unique_ptr<Session> m_session;
     RateData m_rates;
-    DeskSeams m_seams;
+    std::unique_ptr<MainCommands> m_commands;
     bool m_exitFlag = false;
     bool m_roomListActive = false;
     bool m_updating = false;
@@ -189,6 +166,7 @@ private:
     CalendarView *m_view = nullptr;
     CalendarLegend *m_legend = nullptr;
     ReminderBar *m_reminderBar = nullptr;
+    std::function<void(qint32, qint32)> m_bookingScreen;
     QTimer *m_timer = nullptr;
     QLabel *m_viewFromLabel = nullptr;
     QDateEdit *m_from = nullptr;

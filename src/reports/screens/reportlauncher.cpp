@@ -8,6 +8,7 @@
 #include "shell/errorlog.h"
 #include "shell/home.h"
 #include "shell/messages.h"
+#include "shell/screens/progressdialog.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
@@ -97,8 +98,11 @@ void ReportLauncher::runWith(int number, const ReportCriteria &criteria)
 
     QDir().mkpath(folder());
     const QString path = QDir(folder()).filePath(reportFileName(number, QDateTime::currentDateTime()));
-    const Outcome written = writeReportXlsx(*sheet, path);
     hourglass.reset();
+    Progress progress = progressDialog(reportName(number), m_parent);
+    const Outcome written = writeReportXlsx(*sheet, path, progress);
+    if (progress.stopped())
+        return;   // the user's own choice: nothing to report, nothing to fall back on
     if (!written)
         ErrorLog::write(written.refusal().text());
     else if (openFile(path))

@@ -5,6 +5,7 @@
 #include "shell/textformat.h"
 
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -312,6 +313,57 @@ void CalendarView::resizeEvent(QResizeEvent *event)
         m_lastWidth = viewport()->width();
         Q_EMIT widthChanged();
     }
+}
+
+void CalendarView::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    const int lastColumn = model() ? model()->columnCount() - 1 : -1;
+    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+    // The calendar is drawn again under the cell; the cursor stays in its row and
+    // column, or for today goes to today's column.
+    auto keepCell = [this, current](qint64 column) {
+        if (current.isValid() && model() && column >= 0 && column < model()->columnCount())
+            setCurrentIndex(model()->index(current.row(), int(column)));
+    };
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (current.isValid()) {
+            Q_EMIT openRequested();
+            return;
+        }
+        break;
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        if (plain) {
+            Q_EMIT daysRequested(event->key() == Qt::Key_PageUp ? -7 : 7);
+            keepCell(current.column());
+            return;
+        }
+        break;
+    case Qt::Key_Home:
+        if (plain) {
+            Q_EMIT todayRequested();
+            if (auto *calendar = qobject_cast<CalendarModel *>(model()))
+                keepCell(calendar->firstDay().daysTo(QDate::currentDate()));
+            return;
+        }
+        break;
+    case Qt::Key_Left:
+    case Qt::Key_Right: {
+        const bool back = event->key() == Qt::Key_Left;
+        if (plain && current.isValid() && current.column() == (back ? 0 : lastColumn)) {
+            Q_EMIT daysRequested(back ? -1 : 1);
+            keepCell(current.column());
+            return;
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    QTableView::keyPressEvent(event);
 }
 
 } // namespace fenlark

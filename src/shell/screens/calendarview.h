@@ -94,9 +94,16 @@ public:
 
 Q_SIGNALS:
     void widthChanged();
+    // From the keyboard: Enter on a cell opens its booking; Page Up and Down move
+    // the calendar a week, an arrow past its first or last day moves it a day;
+    // Home brings today back. The cell keeps its place on the screen.
+    void openRequested();
+    void daysRequested(int days);
+    void todayRequested();
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     CalendarHeader *m_header;

@@ -1,12 +1,9 @@
 #include "synch/screens/dlgemergencysynch.h"
 
-#include "shell/changelog.h"
 #include "shell/messages.h"
 #include "shell/screens/guard.h"
-#include "shell/screens/waitcursor.h"
 #include "shell/strings.h"
 #include "synch/emergencysynch.h"
-#include "synch/screens/dlgsynch.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -43,23 +40,6 @@ void DlgEmergencySynch::onOk()
     }
     m_good = true;
     accept();
-}
-
-bool synchEntireDatabase(Database &db, QWidget *parent)
-{
-    DlgEmergencySynch dialog(parent);
-    dialog.exec();
-    if (!dialog.goodPassword())
-        return false;
-    // Sending everything again is heavy on both sides: No unless the user says so.
-    if (!messages::ask(6027, QStringLiteral("Are you sure you want to synchronise your entire database?"), 6028,
-                       QStringLiteral("Synchronise entire database?"), true))
-        return false;
-    {
-        WaitCursor wait;
-        ChangeLog::markAllChanged(db);
-    }
-    return synchManually(db, parent);
 }
 
 } // namespace fenlark

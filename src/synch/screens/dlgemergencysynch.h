@@ -6,9 +6,8 @@ class QLineEdit;
 
 namespace fenlark {
 
-class Database;
-
-// Asks for the access code of the emergency synchronisation.
+// Asks for the access code of the emergency synchronisation, the hidden
+// repair that logs every record again and sends the whole database.
 class DlgEmergencySynch : public QDialog {
     Q_OBJECT
 
@@ -22,10 +21,5 @@ private:
     QLineEdit *m_txtCode;
     bool m_good = false;
 };
-
-// The menu entry "Emergency Synch": the access code, a last question, then every
-// record is logged for sending again and a manual synchronisation runs. True when
-// the calendar should be rebuilt.
-bool synchEntireDatabase(Database &db, QWidget *parent);
 
 } // namespace fenlark

@@ -58,9 +58,7 @@ struct OpenDesk {
 
     OpenDesk()
     {
-        DeskSeams seams;
-        seams.viewBooking = [this](MainWindow &, qint32 b, qint32 r) { opened.emplace_back(b, r); };
-        window.setSeams(seams);
+        window.setBookingScreen([this](qint32 b, qint32 r) { opened.emplace_back(b, r); });
         window.resize(1100, 650);
         window.show();
         window.initialise();
@@ -268,17 +266,15 @@ private Q_SLOTS:
         OpenDesk desk;
         CalendarView *view = desk.window.calendarView();
         QLineEdit *nights = desk.window.nightsEdit();
-        DeskSeams seams;
-        seams.viewBooking = [](MainWindow &window, qint32, qint32) {
-            QDialog editor(&window);
+        desk.window.setBookingScreen([&desk](qint32, qint32) {
+            QDialog editor(&desk.window);
             auto *box = new QLineEdit(&editor);
             QTimer::singleShot(0, &editor, [&] {
                 box->setFocus();
                 editor.accept();
             });
             editor.exec();
-        };
-        desk.window.setSeams(seams);
+        });
         addBooking(desk.db(), 1, addClient(desk.db(), "Anna", "Smith"), Today, 2);
         desk.window.refresh();
 
