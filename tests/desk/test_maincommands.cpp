@@ -133,7 +133,7 @@ private Q_SLOTS:
             QVERIFY2(!c.caption.isEmpty(), qPrintable(c.name));
             QCOMPARE(c.place == DeskCommand::InMenu, menus.contains(c.menu));
         }
-        QCOMPARE(seen.size(), 18 + 6 + 5 + 2 + 12 + 5 + 4 + 2 + 1 + 1);
+        QCOMPARE(seen.size(), 18 + 6 + 5 + 2 + 12 + 5 + 4 + 2 + 1 + 2);
         QVERIFY(!desk.commands->run("m2TeamViewer"));   // remote support is not part of the desk
         QVERIFY(desk.ui.log.isEmpty());
     }

@@ -59,14 +59,7 @@ private Q_SLOTS:
     {
         QFile f(configPath());
         QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("[Param]
-Language=3082
-Ã( garbage without equals
-=no key
-# comment
-
-Server=host:81
-");
+        f.write("[Param]\nLanguage=3082\n\xc3\x28 garbage without equals\n=no key\n# comment\n\nServer=host:81\n");
         f.close();
         QCOMPARE(readConfig("Language", "0"), QString("3082"));
         QCOMPARE(readConfig("Server", ""), QString("host:81"));

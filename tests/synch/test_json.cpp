@@ -61,8 +61,8 @@ private Q_SLOTS:
         QTest::newRow("text after close ignored") << "{a:1} trailing {" << "{\"a\":1}" << "";
         QTest::newRow("bad boolean") << "{a:tru,b:1}" << "{\"a\":false,\"tru,b\":1}" << "Invalid Boolean";
         // Truncated texts: each returns what it had and reports, never loops.
-        QTest::newRow("truncated object") << "{\"a\":1,\"b\":" << "{\"a\":1,\"b\":}" << "end of text";
-        QTest::newRow("truncated number") << "{\"a\":12" << "{\"a\":}" << "end of text";
+        QTest::newRow("truncated object") << "{\"a\":1,\"b\":" << "{\"a\":1,\"b\":null}" << "end of text";
+        QTest::newRow("truncated number") << "{\"a\":12" << "{\"a\":null}" << "end of text";
         QTest::newRow("truncated string") << "{\"a\":\"abc" << "{\"a\":\"abc\"}" << "end of text";
         QTest::newRow("truncated array") << "[1,2," << "[1,2]" << "end of text";
         QTest::newRow("truncated escape") << "{\"a\":\"x\\u00" << "{\"a\":\"x\\u0000\"}" << "end of text";
@@ -186,7 +186,7 @@ private Q_SLOTS:
     // is JSON again, a value left unread written as null.
     void whatADamagedTextLeavesWritesAsJson()
     {
-        const QString text = QStringLiteral("{\"a\":1,logupdates:[{}],U,tableid:3,values:{Qty:2}}]}");
+        const QString text = QStringLiteral("{\"a\":1,logupdates:[{tableid:3,values:{Qty:");
         QString errors;
         const JsonValue value = json::parse(text, &errors);
         QVERIFY(!errors.isEmpty());

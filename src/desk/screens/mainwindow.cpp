@@ -317,8 +317,12 @@ void MainWindow::retranslate()
 
 void MainWindow::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::LanguageChange)
+    // Status names come in the language of the desk, so the colours are read again.
+    if (event->type() == QEvent::LanguageChange) {
         retranslate();
+        m_session->loadStatusColours();
+        drawCalendar();
+    }
     QMainWindow::changeEvent(event);
 }
 

@@ -166,7 +166,7 @@ private Q_SLOTS:
         OpenDesk desk;
         const qint32 c = addClient(desk.db(), "Anna", "Smith");
         addBooking(desk.db(), 2, c, Today.addDays(-1), 3, "C");
-        desk.window.refresh();
+        desk.window.button("cmdRefresh")->click();
         CalendarModel *model = desk.window.calendarModel();
         for (int column = 0; column < model->columnCount(); ++column) {
             QCOMPARE(model->index(0, column).data(CalendarModel::TodayRole).toBool(), column == 7);
@@ -235,7 +235,7 @@ private Q_SLOTS:
         desk.db().execute("insert into dailyrate (CalDate, BBBookingID, BBRoomID, RoomRate) values(?, ?, ?, ?)",
                           {sqlDate(Today.addDays(2)), id, 1, 99.0});
         const qint32 one = addBooking(desk.db(), 3, c, Today.addDays(1), 1, "P", 1);
-        desk.window.refresh();
+        desk.window.button("cmdRefresh")->click();
 
         const QString expected = QString("Anna Smith\nBooking ID: %1\n%2 to %3, 3 nights\n2 adults, 1 Child\nChecked in\nTotal: 361.50")
                                      .arg(id)
@@ -276,7 +276,7 @@ private Q_SLOTS:
             editor.exec();
         });
         addBooking(desk.db(), 1, addClient(desk.db(), "Anna", "Smith"), Today, 2);
-        desk.window.refresh();
+        desk.window.button("cmdRefresh")->click();
 
         // A screen opened from the desk.
         nights->setFocus();
