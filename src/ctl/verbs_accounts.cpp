@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "accounts/accountmoves.h"
@@ -32,35 +33,6 @@ namespace {
 QJsonValue date(const QDate &d)
 {
     return d.isValid() ? QJsonValue(d.toString(Qt::ISODate)) : QJsonValue();
-}
-
-// A key option that must be a positive whole number.
-std::optional<qint32> keyOption(const CommandLine &args, const QString &name)
-{
-    bool ok = false;
-    const int key = args.has(name) ? args.option(name).toInt(&ok) : 0;
-    if (!ok || key < 1) {
-        fail(QStringLiteral("--%1 must be a key (a whole number above 0)").arg(name));
-        return std::nullopt;
-    }
-    return key;
-}
-
-std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
-{
-    if (!args.has(name))
-        return QDate::currentDate();
-    const QDate d = QDate::fromString(args.option(name), QStringLiteral("yyyy-MM-dd"));
-    if (!d.isValid()) {
-        fail(QStringLiteral("--%1 must be a date YYYY-MM-DD").arg(name));
-        return std::nullopt;
-    }
-    return d;
-}
-
-QString subVerb(const CommandLine &args)
-{
-    return args.positional().isEmpty() ? QString() : args.positional().front();
 }
 
 QJsonObject extraJson(const Extra &e)
@@ -120,6 +92,23 @@ std::optional<qint32> extraLeg(Database &db, const CommandLine &args, qint32 acc
     return leg.toInt();
 }
 
+// What an entry on an account names: the account, and its day (today when not given).
+struct AccountEntry {
+    qint32 account;
+    QDate date;
+};
+
+std::optional<AccountEntry> accountEntry(const CommandLine &args)
+{
+    const auto account = keyOption(args, QStringLiteral("account"));
+    if (!account)
+        return std::nullopt;
+    const auto date = dateOption(args, QStringLiteral("date"), QDate::currentDate());
+    if (!date)
+        return std::nullopt;
+    return AccountEntry{*account, *date};
+}
+
 int runExtra(const CommandLine &args)
 {
     const QString what = subVerb(args);
@@ -128,22 +117,19 @@ int runExtra(const CommandLine &args)
         return 1;
     const UserStruct user = UserStruct::autoAdmin();
     if (what == QLatin1String("add")) {
-        const auto account = keyOption(args, QStringLiteral("account"));
-        if (!account)
+        const auto entry = accountEntry(args);
+        if (!entry)
             return 1;
-        const auto when = dateOption(args, QStringLiteral("date"));
-        if (!when)
-            return 1;
-        const auto leg = extraLeg(*db, args, *account);
+        const auto leg = extraLeg(*db, args, entry->account);
         if (!leg)
             return 1;
         ExtraInput input;
         input.guestId = *leg;
-        input.date = *when;
+        input.date = entry->date;
         input.stockId = args.option(QStringLiteral("stock")).toInt();
         input.qtyText = args.option(QStringLiteral("qty"));
         input.priceText = args.option(QStringLiteral("price"));
-        input.accountId = *account;
+        input.accountId = entry->account;
         const auto saved = saveExtra(*db, input, user);
         if (!saved)
             return refuse(saved.refusal());
@@ -185,15 +171,12 @@ int runPayment(const CommandLine &args)
         return 1;
     const UserStruct user = UserStruct::autoAdmin();
     if (what == QLatin1String("add")) {
-        const auto account = keyOption(args, QStringLiteral("account"));
-        if (!account)
-            return 1;
-        const auto when = dateOption(args, QStringLiteral("date"));
-        if (!when)
+        const auto entry = accountEntry(args);
+        if (!entry)
             return 1;
         NewPayment request;
-        request.accountId = *account;
-        request.paymentDate = *when;
+        request.accountId = entry->account;
+        request.paymentDate = entry->date;
         request.paymentType = args.option(QStringLiteral("type"), paymenttype::Default);
         request.reference = args.option(QStringLiteral("reference"));
         request.amountText = args.option(QStringLiteral("amount"));
@@ -441,7 +424,7 @@ int runLedger(const CommandLine &args)
     if (!db)
         return 1;
     if (subVerb(args) == QLatin1String("add")) {
-        const auto when = dateOption(args, QStringLiteral("date"));
+        const auto when = dateOption(args, QStringLiteral("date"), QDate::currentDate());
         if (!when)
             return 1;
         LedgerEntry entry;
