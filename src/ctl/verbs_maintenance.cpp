@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "bookings/bookingrates.h"
@@ -30,28 +31,6 @@ namespace {
 QJsonValue day(const QDate &date)
 {
     return date.isValid() ? QJsonValue(date.toString(Qt::ISODate)) : QJsonValue();
-}
-
-std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
-{
-    const QDate date = QDate::fromString(args.option(name), Qt::ISODate);
-    if (!date.isValid()) {
-        fail(QStringLiteral("--%1 must be a date YYYY-MM-DD").arg(name));
-        return std::nullopt;
-    }
-    return date;
-}
-
-// A positive key given as an option (or a positional word).
-std::optional<qint32> keyOf(const QString &text, const QString &what)
-{
-    bool ok = false;
-    const qint32 key = text.toInt(&ok);
-    if (!ok || key < 1) {
-        fail(QStringLiteral("%1 must be a positive whole number: %2").arg(what, text));
-        return std::nullopt;
-    }
-    return key;
 }
 
 std::optional<qint16> countOption(const CommandLine &args, const QString &name, int defaultValue)
@@ -97,7 +76,7 @@ QJsonArray roomsJson(const std::vector<qint32> &ids, const RateData &rates)
 // booking add-room KEY --room R [--rate ID] [--adults A] [--child1 N] [--child2 N] [--client ID] [--yes]
 int runAddRoom(Database &db, qint32 booking, const CommandLine &args)
 {
-    const auto room = keyOf(args.option(QStringLiteral("room")), QStringLiteral("--room"));
+    const auto room = keyWord(args.option(QStringLiteral("room")), QStringLiteral("--room"));
     if (!room)
         return 1;
     const RateData rates = RateData::load(db);
@@ -117,7 +96,7 @@ int runAddRoom(Database &db, qint32 booking, const CommandLine &args)
         }
     }
     if (args.has(QStringLiteral("client"))) {
-        const auto client = keyOf(args.option(QStringLiteral("client")), QStringLiteral("--client"));
+        const auto client = keyWord(args.option(QStringLiteral("client")), QStringLiteral("--client"));
         if (!client)
             return 1;
         request.BBClientID = *client;
@@ -146,7 +125,7 @@ int runAddRoom(Database &db, qint32 booking, const CommandLine &args)
 // booking free-rooms KEY --leg R [--from D --to D]: the rooms that leg may change to.
 int runFreeRooms(Database &db, qint32 booking, const CommandLine &args)
 {
-    const auto leg = keyOf(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
+    const auto leg = keyWord(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
     if (!leg)
         return 1;
     Booking head;
@@ -154,14 +133,13 @@ int runFreeRooms(Database &db, qint32 booking, const CommandLine &args)
         return fail(QStringLiteral("no booking %1").arg(booking));
     QDate from = head.FromDate, to = head.ToDate;
     if (args.has(QStringLiteral("from")) || args.has(QStringLiteral("to"))) {
-        const auto givenFrom = dateOption(args, QStringLiteral("from"));
-        const auto givenTo = givenFrom ? dateOption(args, QStringLiteral("to")) : std::nullopt;
-        if (!givenFrom || !givenTo)
+        const auto given = fromToOptions(args, DateReading::Iso);
+        if (!given)
             return 1;
-        if (*givenTo <= *givenFrom)
+        if (given->to <= given->from)
             return fail(QStringLiteral("--to must be after --from (it is the day of leaving)"));
-        from = *givenFrom;
-        to = *givenTo;
+        from = given->from;
+        to = given->to;
     }
     const RateData rates = RateData::load(db);
     Calendar calendar;
@@ -180,7 +158,7 @@ int runCancel(Database &db, qint32 booking, const CommandLine &args, bool oneRoo
     BookingCancel cancel(db, user);
     qint32 room = 0;
     if (oneRoom) {
-        const auto leg = keyOf(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
+        const auto leg = keyWord(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
         if (!leg)
             return 1;
         room = *leg;
@@ -198,7 +176,7 @@ int runCancel(Database &db, qint32 booking, const CommandLine &args, bool oneRoo
 // booking checkin KEY --leg R [--out|--clear]
 int runCheckIn(Database &db, qint32 booking, const CommandLine &args)
 {
-    const auto leg = keyOf(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
+    const auto leg = keyWord(args.option(QStringLiteral("leg")), QStringLiteral("--leg"));
     if (!leg)
         return 1;
     if (args.has(QStringLiteral("out")) && args.has(QStringLiteral("clear")))
@@ -284,7 +262,7 @@ int runRates(Database &db, qint32 booking, const CommandLine &args)
 // staying --date D: the legs staying that night, as the room swap lists them.
 int runStaying(const CommandLine &args)
 {
-    const auto date = dateOption(args, QStringLiteral("date"));
+    const auto date = dateOption(args, QStringLiteral("date"), DateReading::Iso);
     if (!date)
         return 1;
     auto db = openDatabase(args);
@@ -309,8 +287,8 @@ int runSwap(const CommandLine &args)
     const QStringList words = args.positional();
     if (words.size() != 2)
         return fail(QStringLiteral("usage: swap [--db PATH] GUEST_A GUEST_B"));
-    const auto first = keyOf(words.at(0), QStringLiteral("GUEST_A"));
-    const auto second = first ? keyOf(words.at(1), QStringLiteral("GUEST_B")) : std::nullopt;
+    const auto first = keyWord(words.at(0), QStringLiteral("GUEST_A"));
+    const auto second = first ? keyWord(words.at(1), QStringLiteral("GUEST_B")) : std::nullopt;
     if (!first || !second)
         return 1;
     auto db = openDatabase(args);
@@ -359,7 +337,7 @@ int runRestore(const CommandLine &args)
     const QStringList words = args.positional();
     if (words.size() != 1)
         return fail(QStringLiteral("usage: restore [--db PATH] GUEST"));
-    const auto guest = keyOf(words.at(0), QStringLiteral("GUEST"));
+    const auto guest = keyWord(words.at(0), QStringLiteral("GUEST"));
     if (!guest)
         return 1;
     auto db = openDatabase(args);
@@ -417,18 +395,17 @@ int runSearch(const CommandLine &args)
 // occupancy --from D --to D [--rooms 1,2,...] [--beds]
 int runOccupancy(const CommandLine &args)
 {
-    const auto from = dateOption(args, QStringLiteral("from"));
-    const auto to = from ? dateOption(args, QStringLiteral("to")) : std::nullopt;
-    if (!from || !to)
+    const auto span = fromToOptions(args, DateReading::Iso);
+    if (!span)
         return 1;
     auto db = openDatabase(args);
     if (!db)
         return 1;
     const RateData rates = RateData::load(*db);
-    OccupancyRequest request{*from, *to, {}, args.has(QStringLiteral("beds")) ? OccupancyMode::Beds : OccupancyMode::Rooms};
+    OccupancyRequest request{span->from, span->to, {}, args.has(QStringLiteral("beds")) ? OccupancyMode::Beds : OccupancyMode::Rooms};
     if (args.has(QStringLiteral("rooms"))) {
         for (const QString &text : args.option(QStringLiteral("rooms")).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            const auto room = keyOf(text.trimmed(), QStringLiteral("--rooms"));
+            const auto room = keyWord(text.trimmed(), QStringLiteral("--rooms"));
             if (!room)
                 return 1;
             request.rooms.push_back(*room);
@@ -443,8 +420,8 @@ int runOccupancy(const CommandLine &args)
     QJsonArray nights;
     for (const NightOccupancy &night : figures->nights)
         nights.append(QJsonObject{{"date", day(night.date)}, {"available", night.available}, {"sold", night.sold}});
-    printJson(QJsonObject{{"from", day(*from)},
-                          {"to", day(*to)},
+    printJson(QJsonObject{{"from", day(span->from)},
+                          {"to", day(span->to)},
                           {"mode", request.mode == OccupancyMode::Beds ? QStringLiteral("beds") : QStringLiteral("rooms")},
                           {"available", figures->available},
                           {"sold", figures->sold},
@@ -456,16 +433,15 @@ int runOccupancy(const CommandLine &args)
 // quick-quote --from D --to D [--adults A] [--child1 N] [--child2 N] [--sheet ID] [--text]
 int runQuickQuote(const CommandLine &args)
 {
-    const auto from = dateOption(args, QStringLiteral("from"));
-    const auto to = from ? dateOption(args, QStringLiteral("to")) : std::nullopt;
-    if (!from || !to)
+    const auto span = fromToOptions(args, DateReading::Iso);
+    if (!span)
         return 1;
     auto db = openDatabase(args);
     if (!db)
         return 1;
     QuickQuoteRequest request;
-    request.from = *from;
-    request.to = *to;
+    request.from = span->from;
+    request.to = span->to;
     const auto adults = countOption(args, QStringLiteral("adults"), defaultAdults(getPreference(*db, QStringLiteral("DEFUSER"))));
     const auto child1 = countOption(args, QStringLiteral("child1"), 0);
     const auto child2 = countOption(args, QStringLiteral("child2"), 0);
@@ -501,8 +477,8 @@ int runQuickQuote(const CommandLine &args)
                                  {"rooms", QJsonArray::fromStringList(type.rooms)},
                                  {"rates", prices}});
     }
-    printJson(QJsonObject{{"from", day(*from)},
-                          {"to", day(*to)},
+    printJson(QJsonObject{{"from", day(span->from)},
+                          {"to", day(span->to)},
                           {"nights", quote->nights()},
                           {"currency", quote->currency},
                           {"types", types}});
@@ -523,7 +499,7 @@ int runBookingMaintenance(const CommandLine &args)
     const QStringList words = args.positional();
     if (words.size() != 2)
         return fail(QStringLiteral("usage: booking %1 [--db PATH] KEY ...").arg(words.value(0)));
-    const auto booking = keyOf(words.at(1), QStringLiteral("booking key"));
+    const auto booking = keyWord(words.at(1), QStringLiteral("booking key"));
     if (!booking)
         return 1;
     auto db = openDatabase(args);

@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "bookings/bookingcodes.h"
@@ -86,16 +87,15 @@ int runBooking(const CommandLine &args)
         return runBookingChange(args);
     if (words.size() != 2)
         return fail(QStringLiteral("usage: booking show [--db PATH] KEY"));
-    bool ok = false;
-    const qint32 key = words.at(1).toInt(&ok);
-    if (!ok || key < 1)
-        return fail(QStringLiteral("booking key must be a positive whole number: %1").arg(words.at(1)));
+    const auto key = keyWord(words.at(1), QStringLiteral("booking key"));
+    if (!key)
+        return 1;
     auto db = openDatabase(args);
     if (!db)
         return 1;
-    const std::optional<BookingDetails> details = loadBookingDetails(*db, key);
+    const std::optional<BookingDetails> details = loadBookingDetails(*db, *key);
     if (!details)
-        return fail(QStringLiteral("no booking %1").arg(key));
+        return fail(QStringLiteral("no booking %1").arg(*key));
     QJsonObject out{{"booking", headJson(details->head)}};
     QJsonArray legs;
     for (const LegDetails &leg : details->legs)
