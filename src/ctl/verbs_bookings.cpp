@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "bookings/bookingsave.h"
@@ -21,16 +22,6 @@
 namespace fenlark::ctl {
 
 namespace {
-
-std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
-{
-    const QDate date = QDate::fromString(args.option(name), QStringLiteral("yyyy-MM-dd"));
-    if (!date.isValid()) {
-        fail(QStringLiteral("--%1 must be a date YYYY-MM-DD").arg(name));
-        return std::nullopt;
-    }
-    return date;
-}
 
 // ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]]; a missing or empty rate is the room's
 // default offered rate, a missing or empty head count the desk's default.
@@ -85,11 +76,8 @@ private:
 
 int runBook(const CommandLine &args)
 {
-    const auto from = dateOption(args, QStringLiteral("from"));
-    if (!from)
-        return 1;
-    const auto to = dateOption(args, QStringLiteral("to"));
-    if (!to)
+    const auto stay = fromToOptions(args);
+    if (!stay)
         return 1;
     auto db = openDatabase(args);
     if (!db)
@@ -98,19 +86,19 @@ int runBook(const CommandLine &args)
     const qint16 adults = defaultAdults(getPreference(*db, QStringLiteral("DEFUSER")));
 
     NewBookingRequest request;
-    request.FromDate = *from;
-    request.ToDate = *to;
+    request.FromDate = stay->from;
+    request.ToDate = stay->to;
     for (const QString &text : args.options(QStringLiteral("room"))) {
-        const auto room = parseRoom(text, rates, *from, *to, adults);
+        const auto room = parseRoom(text, rates, stay->from, stay->to, adults);
         if (!room)
             return fail(QStringLiteral("--room must be ROOM[:RATE[:ADULTS[:CHILD1[:CHILD2]]]] in whole numbers: %1").arg(text));
         request.rooms.push_back(*room);
     }
     if (args.has(QStringLiteral("client"))) {
-        bool ok = false;
-        request.BBClientID = args.number(QStringLiteral("client"), &ok);
-        if (!ok || request.BBClientID < 1)
-            return fail(QStringLiteral("--client must be a client key"));
+        const auto client = keyOption(args, QStringLiteral("client"), QStringLiteral("a client key"));
+        if (!client)
+            return 1;
+        request.BBClientID = *client;
     } else {
         request.firstName = args.option(QStringLiteral("first"));
         request.surname = args.option(QStringLiteral("surname"));
@@ -132,17 +120,6 @@ int runBook(const CommandLine &args)
                           {"account", result->BBAccountID},
                           {"total", roundMoney(result->total)}});
     return 0;
-}
-
-std::optional<qint32> roomOption(const CommandLine &args, const QString &name)
-{
-    bool ok = false;
-    const int room = args.number(name, &ok);
-    if (!ok || room < 1) {
-        fail(QStringLiteral("--%1 must be a room key").arg(name));
-        return std::nullopt;
-    }
-    return room;
 }
 
 QJsonObject stayJson(Database &db, qint32 bookingId)
@@ -183,7 +160,7 @@ int runBookingChange(const CommandLine &args)
     const QString what = words.at(0);
 
     if (what == QLatin1String("split")) {
-        const auto room = roomOption(args, QStringLiteral("leg"));
+        const auto room = keyOption(args, QStringLiteral("leg"), QStringLiteral("a room key"));
         if (!room)
             return 1;
         const auto split = saver.split(key, *room);
@@ -198,7 +175,7 @@ int runBookingChange(const CommandLine &args)
 
     qint32 legRoom = legs.front().BBRoomID;
     if (what == QLatin1String("room")) {
-        const auto room = roomOption(args, QStringLiteral("leg"));
+        const auto room = keyOption(args, QStringLiteral("leg"), QStringLiteral("a room key"));
         if (!room)
             return 1;
         legRoom = *room;
@@ -208,17 +185,14 @@ int runBookingChange(const CommandLine &args)
         return fail(QStringLiteral("booking %1 has no leg in room %2").arg(key).arg(legRoom));
 
     if (what == QLatin1String("dates")) {
-        const auto from = dateOption(args, QStringLiteral("from"));
-        if (!from)
+        const auto stay = fromToOptions(args);
+        if (!stay)
             return 1;
-        const auto to = dateOption(args, QStringLiteral("to"));
-        if (!to)
-            return 1;
-        edit->fromDate = *from;
-        edit->toDate = *to;
+        edit->fromDate = stay->from;
+        edit->toDate = stay->to;
         edit->repriceAll = args.has(QStringLiteral("reprice"));
     } else if (what == QLatin1String("room")) {
-        const auto toRoom = roomOption(args, QStringLiteral("to-room"));
+        const auto toRoom = keyOption(args, QStringLiteral("to-room"), QStringLiteral("a room key"));
         if (!toRoom)
             return 1;
         edit->roomId = *toRoom;
@@ -254,21 +228,17 @@ int runDoubleBookings(const CommandLine &args)
 // Today's (or a given day's) arrivals, or with --departures its departures.
 int runArrivals(const CommandLine &args)
 {
-    QDate day = QDate::currentDate();
-    if (args.has(QStringLiteral("date"))) {
-        const auto given = dateOption(args, QStringLiteral("date"));
-        if (!given)
-            return 1;
-        day = *given;
-    }
+    const auto day = dateOption(args, QStringLiteral("date"), QDate::currentDate());
+    if (!day)
+        return 1;
     auto db = openDatabase(args);
     if (!db)
         return 1;
     const StayEnd end = args.has(QStringLiteral("departures")) ? StayEnd::Departures : StayEnd::Arrivals;
     QJsonArray legs;
-    for (const DayLeg &leg : legsOfTheDay(*db, end, day))
+    for (const DayLeg &leg : legsOfTheDay(*db, end, *day))
         legs.append(QJsonObject{{"booking", leg.BBBookingID}, {"room", leg.BBRoomID}, {"roomName", leg.roomName}, {"client", leg.client}});
-    printJson(QJsonObject{{"date", day.toString(Qt::ISODate)}, {"legs", legs}});
+    printJson(QJsonObject{{"date", day->toString(Qt::ISODate)}, {"legs", legs}});
     return 0;
 }
 
@@ -281,14 +251,13 @@ int runReminders(const CommandLine &args)
         return 1;
     ProvisionalReminders reminders;
     if (args.has(QStringLiteral("postpone"))) {
-        bool ok = false;
-        const qint32 key = args.option(QStringLiteral("postpone")).toInt(&ok);
-        if (!ok || key <= 0)
-            return fail(QStringLiteral("--postpone must be a booking key"));
+        const auto key = keyOption(args, QStringLiteral("postpone"), QStringLiteral("a booking key"));
+        if (!key)
+            return 1;
         const QDateTime now = QDateTime::currentDateTime();
-        if (reminders.postpone(*db, key, now).isEmpty())
-            return fail(QStringLiteral("Booking %1 is not a provisional booking.").arg(key));
-        printJson(QJsonObject{{"booking", key}, {"reservedUntil", now.addSecs(4 * 3600).toString(Qt::ISODate)}});
+        if (reminders.postpone(*db, *key, now).isEmpty())
+            return fail(QStringLiteral("Booking %1 is not a provisional booking.").arg(*key));
+        printJson(QJsonObject{{"booking", *key}, {"reservedUntil", now.addSecs(4 * 3600).toString(Qt::ISODate)}});
         return 0;
     }
     QJsonArray due;
