@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "accounts/accounts.h"
@@ -42,13 +43,20 @@ int refuse(const Refusal &refusal)
 
 std::optional<qint32> clientOption(const CommandLine &args, const QString &name)
 {
-    bool ok = false;
-    const int id = args.number(name, &ok);
-    if (!ok || id < 1) {
-        fail(QStringLiteral("--%1 must be a client key").arg(name));
-        return std::nullopt;
+    return keyOption(args, name, QStringLiteral("a client key"));
+}
+
+// Opens the client --id names; false (after saying why) when there is none to open.
+bool openNamedClient(ClientEditor &editor, const CommandLine &args)
+{
+    const auto id = clientOption(args, QStringLiteral("id"));
+    if (!id)
+        return false;
+    if (const Outcome opened = editor.open(*id); !opened) {
+        refuse(opened.refusal());
+        return false;
     }
-    return id;
+    return true;
 }
 
 QJsonValue dateTimeText(const QDateTime &dateTime)
@@ -165,12 +173,9 @@ int saveAndShow(Database &db, ClientEditor &editor, ScriptClientAnswers &answers
 
 int runShow(Database &db, const CommandLine &args)
 {
-    const auto id = clientOption(args, QStringLiteral("id"));
-    if (!id)
-        return 1;
     ClientEditor editor(db);
-    if (const Outcome opened = editor.open(*id); !opened)
-        return refuse(opened.refusal());
+    if (!openNamedClient(editor, args))
+        return 1;
     printJson(showJson(db, editor));
     return 0;
 }
@@ -179,11 +184,8 @@ int runAddOrEdit(Database &db, const CommandLine &args, bool add)
 {
     ClientEditor editor(db);
     if (!add) {
-        const auto id = clientOption(args, QStringLiteral("id"));
-        if (!id)
+        if (!openNamedClient(editor, args))
             return 1;
-        if (const Outcome opened = editor.open(*id); !opened)
-            return refuse(opened.refusal());
     } else {
         (void)editor.open(0);
     }
@@ -199,12 +201,9 @@ int runAddOrEdit(Database &db, const CommandLine &args, bool add)
 // ones left over are removed. An empty VALUE removes every value of the type.
 int runExtras(Database &db, const CommandLine &args)
 {
-    const auto id = clientOption(args, QStringLiteral("id"));
-    if (!id)
-        return 1;
     ClientEditor editor(db);
-    if (const Outcome opened = editor.open(*id); !opened)
-        return refuse(opened.refusal());
+    if (!openNamedClient(editor, args))
+        return 1;
     QMap<QString, QStringList> values;
     for (const QString &assignment : args.options(QStringLiteral("set"))) {
         const qsizetype eq = assignment.indexOf(QLatin1Char('='));
