@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "rates/ratedata.h"
@@ -59,13 +60,6 @@ std::optional<ChosenDatabase> chooseDatabase(const CommandLine &args)
     return ChosenDatabase{std::move(db), number};
 }
 
-qint32 positiveOption(const CommandLine &args, const QString &name, bool *ok)
-{
-    const int value = args.number(name, ok, 0);
-    *ok = *ok && value > 0;
-    return value;
-}
-
 // The PDF copies of the files written; the files stay when LibreOffice fails.
 int finish(QJsonObject out, const QStringList &files, bool pdf)
 {
@@ -90,10 +84,9 @@ int finish(QJsonObject out, const QStringList &files, bool pdf)
 
 int runDocument(const CommandLine &args)
 {
-    bool ok = false;
-    const qint32 accountId = positiveOption(args, QStringLiteral("account"), &ok);
-    if (!ok)
-        return fail(QStringLiteral("--account must be an account key (a positive whole number)"));
+    const auto accountId = keyOption(args, QStringLiteral("account"), QStringLiteral("an account key (a positive whole number)"));
+    if (!accountId)
+        return 1;
     const std::optional<DocumentType> type = documentTypeFromCode(args.option(QStringLiteral("type")));
     if (!type)
         return fail(QStringLiteral("--type must be I (invoice), P (pro forma) or C (credit note)"));
@@ -106,18 +99,19 @@ int runDocument(const CommandLine &args)
 
     qint32 number = 0;
     if (args.has(QStringLiteral("number"))) {
-        number = positiveOption(args, QStringLiteral("number"), &ok);
-        if (!ok)
-            return fail(QStringLiteral("--number must be a credit note number"));
+        const auto given = keyOption(args, QStringLiteral("number"), QStringLiteral("a credit note number"));
+        if (!given)
+            return 1;
+        number = *given;
     } else {
-        const Result<qint32> own = accountDocumentNumber(db, *type, accountId);
+        const Result<qint32> own = accountDocumentNumber(db, *type, *accountId);
         if (!own)
             return refuse(own.refusal());
         number = *own;
     }
 
     const RateData rates = loadRateNames(db);
-    Result<AccountsDocument> document = AccountsDocument::build(db, rates, *type, accountId, number);
+    Result<AccountsDocument> document = AccountsDocument::build(db, rates, *type, *accountId, number);
     if (!document)
         return refuse(document.refusal());
     Result<QString> written = InvoicePrint(chosen->number, args.option(QStringLiteral("out"))).makeInvoice(*document);
@@ -134,10 +128,10 @@ int runDocument(const CommandLine &args)
 
 int runLetter(const CommandLine &args)
 {
-    bool ok = false;
-    const qint32 bookingId = positiveOption(args, QStringLiteral("booking"), &ok);
-    if (!ok)
-        return fail(QStringLiteral("--booking must be a booking key (a positive whole number)"));
+    const auto booking = keyOption(args, QStringLiteral("booking"), QStringLiteral("a booking key (a positive whole number)"));
+    if (!booking)
+        return 1;
+    const qint32 bookingId = *booking;
     const QString kind = args.option(QStringLiteral("kind"));
     const bool registration = kind == QLatin1String("registration");
     if (!registration && kind != QLatin1String("confirmation") && kind != QLatin1String("summary"))
@@ -168,9 +162,10 @@ int runLetter(const CommandLine &args)
 
     std::vector<qint32> rooms;
     if (args.has(QStringLiteral("room"))) {
-        rooms.push_back(positiveOption(args, QStringLiteral("room"), &ok));
-        if (!ok)
-            return fail(QStringLiteral("--room must be a room key (a positive whole number)"));
+        const auto room = keyOption(args, QStringLiteral("room"), QStringLiteral("a room key (a positive whole number)"));
+        if (!room)
+            return 1;
+        rooms.push_back(*room);
     } else {
         rooms = printer.otherRooms(bookingId, 0);
         if (rooms.empty())
