@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "rates/ratedata.h"
@@ -24,17 +25,8 @@ struct StayArguments {
     QDate to;
 };
 
-std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
+std::optional<StayArguments> readStay(const CommandLine &args)
 {
-    const QDate date = QDate::fromString(args.option(name), Qt::ISODate);
-    if (!date.isValid())
-        return std::nullopt;
-    return date;
-}
-
-std::optional<StayArguments> readStay(const CommandLine &args, int &exitCode)
-{
-    exitCode = 1;
     const QString path = args.option(QStringLiteral("db"));
     if (!path.isEmpty() && !QFileInfo::exists(path)) {
         fail(QStringLiteral("no database at %1").arg(path));
@@ -47,18 +39,16 @@ std::optional<StayArguments> readStay(const CommandLine &args, int &exitCode)
         fail(QStringLiteral("--room must be a room id"));
         return std::nullopt;
     }
-    const auto from = dateOption(args, QStringLiteral("from"));
-    const auto to = dateOption(args, QStringLiteral("to"));
-    if (!from || !to) {
+    stay.from = readDate(args.option(QStringLiteral("from")), DateReading::Iso);
+    stay.to = readDate(args.option(QStringLiteral("to")), DateReading::Iso);
+    if (!stay.from.isValid() || !stay.to.isValid()) {
         fail(QStringLiteral("--from and --to must be dates as YYYY-MM-DD"));
         return std::nullopt;
     }
-    if (*from >= *to) {
+    if (stay.from >= stay.to) {
         fail(QStringLiteral("--to must be after --from (it is the day of leaving)"));
         return std::nullopt;
     }
-    stay.from = *from;
-    stay.to = *to;
     stay.db = openDatabase(args);
     if (!stay.db)
         return std::nullopt;
@@ -67,7 +57,6 @@ std::optional<StayArguments> readStay(const CommandLine &args, int &exitCode)
         fail(QStringLiteral("room %1 not found").arg(stay.room));
         return std::nullopt;
     }
-    exitCode = 0;
     return stay;
 }
 
@@ -91,10 +80,9 @@ QString money(double amount)
 
 int runQuote(const CommandLine &args)
 {
-    int exitCode = 0;
-    auto stay = readStay(args, exitCode);
+    auto stay = readStay(args);
     if (!stay)
-        return exitCode;
+        return 1;
     StayRequest request;
     request.BBRoomID = stay->room;
     request.FromDate = stay->from;
@@ -133,10 +121,9 @@ int runQuote(const CommandLine &args)
 
 int runRates(const CommandLine &args)
 {
-    int exitCode = 0;
-    auto stay = readStay(args, exitCode);
+    auto stay = readStay(args);
     if (!stay)
-        return exitCode;
+        return 1;
     QJsonArray rates;
     for (const OfferedRate &rate : offeredRates(stay->data, stay->from, stay->to, stay->room))
         rates.append(QJsonObject{{"rate", rate.BBRateID}, {"name", rate.name}});

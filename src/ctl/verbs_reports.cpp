@@ -1,3 +1,4 @@
+#include "ctl/options.h"
 #include "ctl/verb.h"
 
 #include "reports/reportcatalogue.h"
@@ -38,23 +39,16 @@ QSet<QString> optionsOf(int number)
     return options;
 }
 
-bool readDate(const CommandLine &args, const QString &name, QDate &date)
-{
-    if (!args.has(name))
-        return true;
-    date = QDate::fromString(args.option(name), QStringLiteral("yyyy-MM-dd"));
-    if (date.isValid())
-        return true;
-    fail(QStringLiteral("--%1 must be a date YYYY-MM-DD").arg(name));
-    return false;
-}
-
 // The criteria from the options over the report's own defaults; false (after
 // saying why) on an option that cannot be read.
 bool readCriteria(const CommandLine &args, ReportCriteria &criteria)
 {
-    if (!readDate(args, QStringLiteral("from"), criteria.from) || !readDate(args, QStringLiteral("to"), criteria.to))
+    const auto from = dateOption(args, QStringLiteral("from"), criteria.from);
+    const auto to = from ? dateOption(args, QStringLiteral("to"), criteria.to) : std::nullopt;
+    if (!from || !to)
         return false;
+    criteria.from = *from;
+    criteria.to = *to;
     criteria.clientType = args.option(QStringLiteral("client-type")).toUpper();
     criteria.fieldType = args.option(QStringLiteral("field-type")).toUpper();
     criteria.fieldValue = args.option(QStringLiteral("field-value"));
