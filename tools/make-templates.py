@@ -48,34 +48,47 @@ BOOKMARKS = {
            "MadeBySurname": "HechaPorApellido"},
 }
 
-LETTERS = {
-    "en": {
-        "confirmation": "Booking confirmation", "registration": "Guest registration",
-        "dear": "Dear ", "thanks": "Thank you for your booking. We are pleased to confirm it as follows.",
-        "booking": "Booking ID: ", "arrival": "Arrival: ", "leaving": "Departure: ", "nights": "Nights: ",
-        "rooms": "Rooms: ", "guests": "Guests: ", "roomlist": "Accommodation", "names": "Guests",
-        "refs": "References", "extras": "Extras", "total": "Accommodation total: ", "deposit": "Deposit required: ",
-        "paid": "Payments received: ", "balance": "Balance: ", "notes": "Notes: ",
-        "closing": "We look forward to welcoming you.",
-        "room": "Room: ", "rate": "Rate: ", "pernight": "Average per night: ", "roomtotal": "Room total: ",
-        "name": "Name: ", "company": "Company: ", "address": "Address: ", "phone": "Phone: ", "cell": "Cell: ",
-        "email": "E-mail: ", "id": "ID or passport: ", "nationality": "Nationality: ", "count": "Guests in the room: ",
-        "reference": "Reference: ", "signature": "Signature: ________________________",
-    },
-    "es": {
-        "confirmation": "Confirmación de reserva", "registration": "Registro de huéspedes",
-        "dear": "Estimado/a ", "thanks": "Gracias por su reserva. Nos complace confirmarla como sigue.",
-        "booking": "Reserva n.º: ", "arrival": "Llegada: ", "leaving": "Salida: ", "nights": "Noches: ",
-        "rooms": "Habitaciones: ", "guests": "Huéspedes: ", "roomlist": "Alojamiento", "names": "Huéspedes",
-        "refs": "Referencias", "extras": "Extras", "total": "Total del alojamiento: ", "deposit": "Depósito requerido: ",
-        "paid": "Pagos recibidos: ", "balance": "Saldo: ", "notes": "Notas: ",
-        "closing": "Esperamos darle la bienvenida.",
-        "room": "Habitación: ", "rate": "Tarifa: ", "pernight": "Media por noche: ", "roomtotal": "Total de la habitación: ",
-        "name": "Nombre: ", "company": "Empresa: ", "address": "Dirección: ", "phone": "Teléfono: ", "cell": "Móvil: ",
-        "email": "Correo: ", "id": "DNI o pasaporte: ", "nationality": "Nacionalidad: ", "count": "Huéspedes en la habitación: ",
-        "reference": "Referencia: ", "signature": "Firma: ________________________",
-    },
-}
+# The texts of the booking letters: each key once, with its English and its
+# Spanish text side by side, so that neither language can miss one.
+LETTER_TEXTS = [
+    ("confirmation", "Booking confirmation", "Confirmación de reserva"),
+    ("registration", "Guest registration", "Registro de huéspedes"),
+    ("dear", "Dear ", "Estimado/a "),
+    ("thanks", "Thank you for your booking. We are pleased to confirm it as follows.",
+     "Gracias por su reserva. Nos complace confirmarla como sigue."),
+    ("booking", "Booking ID: ", "Reserva n.º: "),
+    ("arrival", "Arrival: ", "Llegada: "),
+    ("leaving", "Departure: ", "Salida: "),
+    ("nights", "Nights: ", "Noches: "),
+    ("rooms", "Rooms: ", "Habitaciones: "),
+    ("guests", "Guests: ", "Huéspedes: "),
+    ("roomlist", "Accommodation", "Alojamiento"),
+    ("names", "Guests", "Huéspedes"),
+    ("refs", "References", "Referencias"),
+    ("extras", "Extras", "Extras"),
+    ("total", "Accommodation total: ", "Total del alojamiento: "),
+    ("deposit", "Deposit required: ", "Depósito requerido: "),
+    ("paid", "Payments received: ", "Pagos recibidos: "),
+    ("balance", "Balance: ", "Saldo: "),
+    ("notes", "Notes: ", "Notas: "),
+    ("closing", "We look forward to welcoming you.", "Esperamos darle la bienvenida."),
+    ("room", "Room: ", "Habitación: "),
+    ("rate", "Rate: ", "Tarifa: "),
+    ("pernight", "Average per night: ", "Media por noche: "),
+    ("roomtotal", "Room total: ", "Total de la habitación: "),
+    ("name", "Name: ", "Nombre: "),
+    ("company", "Company: ", "Empresa: "),
+    ("address", "Address: ", "Dirección: "),
+    ("phone", "Phone: ", "Teléfono: "),
+    ("cell", "Cell: ", "Móvil: "),
+    ("email", "E-mail: ", "Correo: "),
+    ("id", "ID or passport: ", "DNI o pasaporte: "),
+    ("nationality", "Nationality: ", "Nacionalidad: "),
+    ("count", "Guests in the room: ", "Huéspedes en la habitación: "),
+    ("reference", "Reference: ", "Referencia: "),
+    ("signature", "Signature: ________________________", "Firma: ________________________"),
+]
+LETTERS = {lang: {key: texts[i] for key, *texts in LETTER_TEXTS} for i, lang in enumerate(("en", "es"))}
 
 
 def write_zip(path, parts):
