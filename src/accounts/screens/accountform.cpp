@@ -143,17 +143,12 @@ AccountForm::AccountForm(Session &session, qint32 accountId, QWidget *parent)
     totals->addStretch(1);
     for (QLabel *total : {lblAccommodationTotal, lblExtrasTotal, lblPaymentsTotal, lblBalance})
         totals->addWidget(total);
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(cmdPaymentsButton);
-    buttons->addWidget(cmdCreditCardButton);
-    buttons->addStretch(1);
-    buttons->addWidget(cmdExit);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(top);
     layout->addWidget(lblStatus);
     layout->addWidget(gdItems, 1);
     layout->addLayout(totals);
-    layout->addLayout(buttons);
+    layout->addLayout(buttonRow({cmdPaymentsButton, cmdCreditCardButton}, {cmdExit}));
     resize(760, 480);
 
     connect(cmdInvoiceToButton, &QPushButton::clicked, this, guarded(this, &AccountForm::cmdInvoiceTo));

@@ -12,7 +12,6 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFormLayout>
-#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
@@ -54,15 +53,8 @@ AccountSearch::AccountSearch(QWidget *parent) : QDialog(parent)
     form->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
     form->addRow(ckUpTo, dpUpTo);
     form->addRow(getString(5862, QStringLiteral("Status")), cboStatus);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdSearch);
-    buttons->addWidget(cmdCancel);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttons);
+    layOutAsking(this, form, cmdSearch, cmdCancel);
     connect(cmdSearch, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 AccountSearchCriteria AccountSearch::criteria() const
@@ -92,12 +84,9 @@ AccountsList::AccountsList(Session &session, AccountSearchCriteria criteria, QWi
     openAccount = [this](QWidget *parent, qint32 accountId) { AccountForm::initialise(m_session, accountId, parent); };
     gdAccounts = makeRowsView(this, QStringLiteral("gdAccounts"), &m_model, 1);
     cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5643, QStringLiteral("E&xit")));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdExit);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(gdAccounts, 1);
-    layout->addLayout(buttons);
+    layout->addLayout(buttonRow({}, {cmdExit}));
     resize(620, 420);
     connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdAccounts, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) { openRow(index.row()); }));

@@ -17,7 +17,6 @@
 #include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -76,15 +75,11 @@ ExtraForm::ExtraForm(Session &session, qint32 guestId, qint32 extraId, QWidget *
     form->addRow(getString(6729, QStringLiteral("Qty")), txtQty);
     form->addRow(getString(6730, QStringLiteral("Price")), txtPrice);
     form->addRow(QString(), lblItemPriceHint);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdSaveButton);
-    buttons->addWidget(cmdCancel);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(frmGuestAccount);
     layout->addWidget(frmSpecialAccount);
-    layout->addLayout(buttons);
+    layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
 
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &ExtraForm::cmdSave));
     connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
@@ -230,16 +225,11 @@ Extras::Extras(Session &session, qint32 guestId, QWidget *parent)
     cmdAddButton = makeDialogButton(this, QStringLiteral("cmdAdd"), getString(6732, QStringLiteral("&Add")));
     cmdDeleteButton = makeDialogButton(this, QStringLiteral("cmdDelete"), getString(6733, QStringLiteral("&Delete")));
     cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5643, QStringLiteral("E&xit")));
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(cmdAddButton);
-    buttons->addWidget(cmdDeleteButton);
-    buttons->addStretch(1);
-    buttons->addWidget(cmdExit);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(lblHeading);
     layout->addWidget(gdExtras, 1);
     layout->addWidget(lblTotal, 0, Qt::AlignRight);
-    layout->addLayout(buttons);
+    layout->addLayout(buttonRow({cmdAddButton, cmdDeleteButton}, {cmdExit}));
     resize(640, 360);
 
     connect(cmdAddButton, &QPushButton::clicked, this, guarded(this, &Extras::cmdAdd));

@@ -15,7 +15,6 @@
 #include <QDateEdit>
 #include <QEvent>
 #include <QFormLayout>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -53,17 +52,10 @@ ClientTranForm::ClientTranForm(Session &session, qint32 clientId, QWidget *paren
     form->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
     form->addRow(getString(6723, QStringLiteral("Amount")), txtAmount);
     form->addRow(m_vatLabel, txtVAT);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdSaveButton);
-    buttons->addWidget(cmdCancel);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttons);
 
     connect(cboTranType, &QComboBox::currentIndexChanged, this, guarded(this, &ClientTranForm::typeChanged));
+    layOutAsking(this, form, cmdSaveButton, cmdCancel);
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &ClientTranForm::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     typeChanged();
 }
 
@@ -126,12 +118,9 @@ ClientTranList::ClientTranList(QWidget *parent)
     setWindowTitle(getString(6761, QStringLiteral("Transactions")));
     gdTransactions = makeRowsView(this, QStringLiteral("gdTransactions"), &m_model, 4);
     cmdExit = makeDialogButton(this, QStringLiteral("cmdExit"), getString(5643, QStringLiteral("E&xit")));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdExit);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(gdTransactions, 1);
-    layout->addLayout(buttons);
+    layout->addLayout(buttonRow({}, {cmdExit}));
     resize(760, 420);
     connect(cmdExit, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
     connect(gdTransactions, &QTableView::doubleClicked, this, guarded([this](const QModelIndex &index) {
@@ -178,15 +167,8 @@ ClientTranSearch::ClientTranSearch(QWidget *parent) : QDialog(parent)
     form->addRow(ckEnd, dpEnd);
     form->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
     form->addRow(getString(6723, QStringLiteral("Amount")), txtAmount);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdSearch);
-    buttons->addWidget(cmdCancel);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttons);
+    layOutAsking(this, form, cmdSearch, cmdCancel);
     connect(cmdSearch, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 LedgerSearch ClientTranSearch::search() const

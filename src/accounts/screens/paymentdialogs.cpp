@@ -12,7 +12,6 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFormLayout>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -26,17 +25,6 @@ namespace {
 QString dateText(const QDate &date)
 {
     return QLocale().toString(date, QLocale::ShortFormat);
-}
-
-QHBoxLayout *buttonRow(std::initializer_list<QPushButton *> left, std::initializer_list<QPushButton *> right)
-{
-    auto *row = new QHBoxLayout;
-    for (QPushButton *b : left)
-        row->addWidget(b);
-    row->addStretch(1);
-    for (QPushButton *b : right)
-        row->addWidget(b);
-    return row;
 }
 
 } // namespace
@@ -62,12 +50,9 @@ PaymentForm::PaymentForm(Session &session, qint32 accountId, qint32 paymentId, Q
     form->addRow(getString(6695, QStringLiteral("Date")), dpDate);
     form->addRow(getString(6723, QStringLiteral("Amount")), txtAmount);
     form->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
 
+    layOutAsking(this, form, cmdSaveButton, cmdCancel);
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &PaymentForm::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 bool PaymentForm::load()
@@ -195,11 +180,8 @@ PaymentTranEdit::PaymentTranEdit(Session &session, qint32 clientId, qint32 payme
     form->addRow(getString(6723, QStringLiteral("Amount")), lblAmount);
     form->addRow(getString(5892, QStringLiteral("Reference")), txtReference);
     form->addRow(getString(5901, QStringLiteral("Account")), cboAccounts);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttonRow({}, {cmdSaveButton, cmdCancel}));
+    layOutAsking(this, form, cmdSaveButton, cmdCancel);
     connect(cmdSaveButton, &QPushButton::clicked, this, guarded(this, &PaymentTranEdit::cmdSave));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 bool PaymentTranEdit::load()

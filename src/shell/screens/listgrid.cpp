@@ -1,8 +1,13 @@
 #include "shell/screens/listgrid.h"
 
+#include "shell/screens/guard.h"
+
+#include <QDialog>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QVBoxLayout>
 
 namespace fenlark {
 
@@ -26,6 +31,41 @@ QPushButton *makeDialogButton(QWidget *parent, const QString &objectName, const 
     button->setObjectName(objectName);
     button->setAutoDefault(false);
     return button;
+}
+
+QHBoxLayout *buttonRow(std::initializer_list<QPushButton *> left, std::initializer_list<QPushButton *> right)
+{
+    auto *row = new QHBoxLayout;
+    for (QPushButton *b : left)
+        row->addWidget(b);
+    row->addStretch(1);
+    for (QPushButton *b : right)
+        row->addWidget(b);
+    return row;
+}
+
+namespace {
+
+QVBoxLayout *askingLayout(QDialog *dialog, QPushButton *cancel)
+{
+    QObject::connect(cancel, &QPushButton::clicked, dialog, guarded(dialog, &QDialog::reject));
+    return new QVBoxLayout(dialog);
+}
+
+} // namespace
+
+void layOutAsking(QDialog *dialog, QLayout *fields, QPushButton *ok, QPushButton *cancel)
+{
+    auto *layout = askingLayout(dialog, cancel);
+    layout->addLayout(fields);
+    layout->addLayout(buttonRow({}, {ok, cancel}));
+}
+
+void layOutAsking(QDialog *dialog, QWidget *fields, QPushButton *ok, QPushButton *cancel)
+{
+    auto *layout = askingLayout(dialog, cancel);
+    layout->addWidget(fields);
+    layout->addLayout(buttonRow({}, {ok, cancel}));
 }
 
 } // namespace fenlark
