@@ -1,6 +1,7 @@
 #include "reports/screens/clientreportdialog.h"
 
 #include "clients/clientnames.h"
+#include "reports/screens/reportcriteriadialog.h"
 #include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
 #include "shell/strings.h"
@@ -8,11 +9,9 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 namespace fenlark {
 
@@ -49,19 +48,9 @@ ClientReportDialog::ClientReportDialog(const ReportCriteria &defaults, QWidget *
     fields->addRow(getString(6208, QStringLiteral("Field Type:")), cboFieldType);
     fields->addRow(getString(6209, QStringLiteral("Value:")), txtValue);
 
-    cmdRun = makeDialogButton(this, QStringLiteral("cmdRun"), getString(1490, QStringLiteral("&Run Report")));
-    cmdRun->setDefault(true);
-    cmdCancel = makeDialogButton(this, QStringLiteral("cmdCancel"), getString(1369, QStringLiteral("&Cancel")));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdRun);
-    buttons->addWidget(cmdCancel);
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(frmSearch);
-    layout->addLayout(buttons);
-
+    makeRunButtons(this, cmdRun, cmdCancel);
+    layOutAsking(this, frmSearch, cmdRun, cmdCancel);
     connect(cmdRun, &QPushButton::clicked, this, guarded(this, &QDialog::accept));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 ReportCriteria ClientReportDialog::criteria() const

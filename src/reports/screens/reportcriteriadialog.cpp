@@ -7,11 +7,9 @@
 #include <QDateEdit>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QVBoxLayout>
 
 namespace fenlark {
 
@@ -23,6 +21,13 @@ QDateEdit *makeReportDateEdit(QWidget *parent, const QString &objectName, const 
     edit->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
     edit->setDate(date.isValid() ? date : QDate::currentDate());
     return edit;
+}
+
+void makeRunButtons(QDialog *dialog, QPushButton *&run, QPushButton *&cancel)
+{
+    run = makeDialogButton(dialog, QStringLiteral("cmdRun"), getString(1490, QStringLiteral("&Run Report")));
+    run->setDefault(true);
+    cancel = makeDialogButton(dialog, QStringLiteral("cmdCancel"), getString(1369, QStringLiteral("&Cancel")));
 }
 
 ReportCriteriaDialog::ReportCriteriaDialog(int number, const ReportCriteria &defaults, QWidget *parent)
@@ -66,19 +71,9 @@ ReportCriteriaDialog::ReportCriteriaDialog(int number, const ReportCriteria &def
     opLandscape->setVisible(takesOrientation(number));
     opPortrait->setVisible(takesOrientation(number));
 
-    cmdRun = makeDialogButton(this, QStringLiteral("cmdRun"), getString(1490, QStringLiteral("&Run Report")));
-    cmdRun->setDefault(true);
-    cmdCancel = makeDialogButton(this, QStringLiteral("cmdCancel"), getString(1369, QStringLiteral("&Cancel")));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdRun);
-    buttons->addWidget(cmdCancel);
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(frmXL);
-    layout->addLayout(buttons);
-
+    makeRunButtons(this, cmdRun, cmdCancel);
+    layOutAsking(this, frmXL, cmdRun, cmdCancel);
     connect(cmdRun, &QPushButton::clicked, this, guarded(this, &ReportCriteriaDialog::run));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
     connect(opLandscape, &QRadioButton::toggled, this, guarded(this, &ReportCriteriaDialog::orientationChosen));
 }
 

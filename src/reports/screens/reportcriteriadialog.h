@@ -48,4 +48,7 @@ private:
 // A date editor as the report dialogs use it: a calendar to pick from, dd/MM/yyyy.
 QDateEdit *makeReportDateEdit(QWidget *parent, const QString &objectName, const QDate &date);
 
+// The Run Report (the default) and Cancel buttons every report dialog ends with.
+void makeRunButtons(QDialog *dialog, QPushButton *&run, QPushButton *&cancel);
+
 } // namespace fenlark

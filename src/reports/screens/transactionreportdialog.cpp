@@ -8,11 +8,9 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFormLayout>
-#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include <cmath>
 
@@ -66,19 +64,9 @@ TransactionReportDialog::TransactionReportDialog(const ReportCriteria &defaults,
     fields->addRow(getString(6214, QStringLiteral("Reference:")), txtReference);
     fields->addRow(getString(6215, QStringLiteral("Amount:")), txtAmount);
 
-    cmdRun = makeDialogButton(this, QStringLiteral("cmdRun"), getString(1490, QStringLiteral("&Run Report")));
-    cmdRun->setDefault(true);
-    cmdCancel = makeDialogButton(this, QStringLiteral("cmdCancel"), getString(1369, QStringLiteral("&Cancel")));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdRun);
-    buttons->addWidget(cmdCancel);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(fields);
-    layout->addLayout(buttons);
-
+    makeRunButtons(this, cmdRun, cmdCancel);
+    layOutAsking(this, fields, cmdRun, cmdCancel);
     connect(cmdRun, &QPushButton::clicked, this, guarded(this, &TransactionReportDialog::run));
-    connect(cmdCancel, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 }
 
 ReportCriteria TransactionReportDialog::criteria() const
