@@ -4,6 +4,8 @@
 #include "accounts/accountrecords.h"
 #include "bookings/bookingrecords.h"
 #include "clients/clientrecords.h"
+#include "support/clientfixture.h"
+#include "support/databasedump.h"
 #include "support/ctlrun.h"
 #include "support/testdatabase.h"
 
@@ -14,17 +16,6 @@
 using namespace fenlark;
 
 namespace {
-
-qint32 addClient(Database &db, const QString &surname, const QString &active = "Y")
-{
-    Client c;
-    c.ClientType = "I";
-    c.FirstName = "Pat";
-    c.Surname = surname;
-    c.Active = active;
-    c.update(db);
-    return c.BBClientID;
-}
 
 } // namespace
 
@@ -38,13 +29,7 @@ private:
 
     CtlRun ctl(const QStringList &arguments) { return runCtl(m_t->home(), db().path(), arguments); }
 
-    QString snapshot()
-    {
-        return db().scalar("select group_concat(BBClientID || Surname || Active, ';') from client").toString() +
-               db().scalar("select group_concat(FieldType || FieldValue, ';') from clientextra").toString() +
-               db().scalar("select group_concat(MadeBy) from booking").toString() +
-               db().scalar("select count(*) from dblog").toString() + db().scalar("select count(*) from audit").toString();
-    }
+    QString snapshot() { return dumpDatabaseFile(m_t->db().path()); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -56,9 +41,9 @@ private Q_SLOTS:
 
     void retirePrintsWhatMovedAndRefusalsWriteNothing()
     {
-        const qint32 old = addClient(db(), "Old");
-        const qint32 keeper = addClient(db(), "Keeper");
-        const qint32 gone = addClient(db(), "Gone", "N");
+        const qint32 old = addPerson(db(), "Pat", "Old");
+        const qint32 keeper = addPerson(db(), "Pat", "Keeper");
+        const qint32 gone = addPerson(db(), "Pat", "Gone", {}, "N");
         Account a;
         a.InvoiceTo = old;
         a.update(db());
@@ -89,16 +74,14 @@ private Q_SLOTS:
         const CtlRun run = ctl({"client", "retire", "--from", QString::number(old), "--into", QString::number(keeper)});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.json.value("booking").toInt(), 1);
-        QCOMPARE(run.json.value("guest").toInt(), 0);
         QCOMPARE(run.json.value("guestSecond").toInt(), 1);
         QCOMPARE(run.json.value("account").toInt(), 1);
-        QCOMPARE(run.json.value("clienttran").toInt(), 0);
         QCOMPARE(db().scalar("select active from client where bbclientid = ?", {old}).toString(), QString("N"));
     }
 
     void editAndExtrasSaveWhatWasGivenAndOnlyThat()
     {
-        const qint32 id = addClient(db(), "Smith");
+        const qint32 id = addPerson(db(), "Pat", "Smith");
         CtlRun run = ctl({"client", "extras", "--id", QString::number(id), "--set", "P=021 1", "--set", "P=021 2", "--set", "N=Kenyan"});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.json.value("extras").toArray().size(), 3);
@@ -136,7 +119,7 @@ private Q_SLOTS:
 
     void historyCompaniesAndSources()
     {
-        const qint32 id = addClient(db(), "Guest");
+        const qint32 id = addPerson(db(), "Pat", "Guest");
         Client company;
         company.ClientType = "C";
         company.Company = "Karoo Adventures";
