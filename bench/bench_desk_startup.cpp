@@ -1,4 +1,4 @@
-// Start-up to the shown main window on a generated 40-room, 10-year property:
+// Start-up to the shown main window on the generated property:
 // open, backup, property, setup, calendar drawn, window painted. No server contact.
 #include "generatedproperty.h"
 #include "shell/config.h"
