@@ -10,6 +10,7 @@
 #include "shell/startup.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -21,7 +22,7 @@ namespace {
 void BM_GenerateProperty(benchmark::State &state)
 {
     Home::setPath(bench::workDir().path());
-    int n = 0;
+    static int n = 0; // each repetition generates into a file of its own
     for (auto _ : state) {
         const QString path = bench::workDir().filePath(QStringLiteral("gen%1.db").arg(n++));
         auto db = Database::open(path);
@@ -29,6 +30,10 @@ void BM_GenerateProperty(benchmark::State &state)
         state.counters["bookings"] = counts.bookings;
         state.counters["nights"] = counts.nights;
         state.counters["rooms"] = counts.rooms;
+        state.PauseTiming();
+        db.reset();
+        QFile::remove(path);
+        state.ResumeTiming();
     }
 }
 BENCHMARK(BM_GenerateProperty)->Unit(benchmark::kMillisecond)->Iterations(1);
