@@ -38,6 +38,9 @@ void BM_StartupToShownMainWindow(benchmark::State &state)
     Home::setPath(home.path());
     writeConfig("Language", "1033");
     for (auto _ : state) {
+        state.PauseTiming();
+        bench::clearBackups();
+        state.ResumeTiming();
         UnattendedHost host;
         Startup startup(host);
         if (startup.run() != Startup::Running) {

@@ -32,7 +32,8 @@ void BM_GenerateProperty(benchmark::State &state)
         state.counters["rooms"] = counts.rooms;
         state.PauseTiming();
         db.reset();
-        QFile::remove(path);
+        for (const char *suffix : {"", "-wal", "-shm"})
+            QFile::remove(path + QLatin1String(suffix));
         state.ResumeTiming();
     }
 }
@@ -41,8 +42,13 @@ BENCHMARK(BM_GenerateProperty)->Unit(benchmark::kMillisecond)->Iterations(1);
 void BM_Backup(benchmark::State &state)
 {
     auto db = Database::open(bench::generatedProperty());
-    for (auto _ : state)
+    for (auto _ : state) {
+        state.PauseTiming();
+        bench::clearBackups();
+        state.ResumeTiming();
         Backup::backupDatabase(*db, 0);
+    }
+    bench::clearBackups();
 }
 BENCHMARK(BM_Backup)->Unit(benchmark::kMillisecond)->Iterations(3);
 
@@ -66,12 +72,16 @@ void BM_StartupHeadless(benchmark::State &state)
     writeConfig("Database", path);
     writeConfig("Language", "1033");
     for (auto _ : state) {
+        state.PauseTiming();
+        bench::clearBackups();
+        state.ResumeTiming();
         QuietHost host;
         Startup startup(host);
         if (startup.run() != Startup::Running)
             state.SkipWithError("start-up failed");
         benchmark::DoNotOptimize(startup.takeSession());
     }
+    bench::clearBackups();
 }
 BENCHMARK(BM_StartupHeadless)->Unit(benchmark::kMillisecond)->Iterations(3);
 
