@@ -1,8 +1,10 @@
-// fenlarkctl report, run as a script runs it: a separate process on a database
-// file, JSON on stdout, a refusal on stderr with a non-zero exit and no file.
+// fenlarkctl report, document and letter, run as a script runs them: a separate
+// process on a database file, JSON on stdout, a refusal on stderr with a
+// non-zero exit and nothing written.
 #include "reportfixture.h"
 #include "shell/preferences.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -32,7 +34,7 @@ private:
         arguments << QStringLiteral("--home") << m_t->home() << QStringLiteral("--db") << m_t->db().path();
         QProcess process;
         process.start(m_ctl, arguments);
-        process.waitForFinished(60000);
+        process.waitForFinished(120000);
         Run run;
         run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
         run.json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
@@ -41,6 +43,7 @@ private:
     }
 
     QString out(const QString &name) const { return m_t->file(name); }
+    QStringList filesIn(const QString &folder) { return QDir(m_t->file(folder)).entryList(QDir::Files); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -163,6 +166,80 @@ private Q_SLOTS:
                              out(QStringLiteral("test.db/summary.xlsx"))});
         QVERIFY(run.exitCode != 0);
         QVERIFY2(run.errors.contains(QStringLiteral("The report could not be written to")), qPrintable(run.errors));
+    }
+    void proFormaIsWrittenIntoTheInvoiceFolderOrTheFolderGiven()
+    {
+        Run run = ctl({"document", "--account", "3", "--type", "P"});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(run.errors.contains("has no pro forma number yet"));
+
+        m_t->db().execute("update account set proformano = 12 where bbaccountid = ?", {3});
+        run = ctl({"document", "--account", "3", "--type", "P"});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.json.value("files").toArray().first().toString(), m_t->file("invoices/Pro000012.xlsx"));
+        QCOMPARE(run.json.value("number").toInt(), 12);
+        QVERIFY(run.json.value("total").isDouble());
+
+        QDir(m_t->home()).mkpath("out");
+        run = ctl({"document", "--account", "3", "--type", "P", "--out", m_t->file("out")});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(filesIn("out"), QStringList{"Pro000012.xlsx"});
+    }
+
+    void documentOptionsAreRefusedWritingNothing_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no account") << QStringList{"document", "--type", "I"} << "--account";
+        QTest::newRow("unknown type") << QStringList{"document", "--account", "1", "--type", "X"} << "--type";
+        QTest::newRow("number on an invoice") << QStringList{"document", "--account", "1", "--type", "I", "--number", "3"} << "--number";
+        QTest::newRow("no invoice") << QStringList{"document", "--account", "1", "--type", "I"} << "has no invoice.";
+        QTest::newRow("no credit note") << QStringList{"document", "--account", "1", "--type", "C"} << "has no credit note.";
+        QTest::newRow("missing account") << QStringList{"document", "--account", "999999", "--type", "P"} << "Account 999999 could not be found.";
+        QTest::newRow("unknown kind") << QStringList{"letter", "--booking", "1", "--kind", "postcard"} << "--kind";
+        QTest::newRow("room on a confirmation") << QStringList{"letter", "--booking", "1", "--kind", "confirmation", "--room", "2"} << "--room";
+        QTest::newRow("pdf of a summary") << QStringList{"letter", "--booking", "1", "--kind", "summary", "--pdf"} << "--pdf";
+        QTest::newRow("missing booking") << QStringList{"letter", "--booking", "999999", "--kind", "confirmation"} << "Could not fetch booking data (999999)";
+    }
+    void documentOptionsAreRefusedWritingNothing()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        const Run run = ctl(arguments);
+        QVERIFY(run.exitCode != 0);
+        QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
+        QVERIFY(filesIn("invoices").isEmpty());
+        QVERIFY(filesIn("letters").isEmpty());
+    }
+
+    void lettersPrintTheBookingsRooms()
+    {
+        Run run = ctl({"letter", "--booking", "2", "--kind", "registration", "--other-rooms"});
+        QCOMPARE(run.exitCode, 0);
+        const int rooms = m_t->db().scalar("select count(*) from guest where bbbookingid = ?", {2}).toInt();
+        QCOMPARE(run.json.value("files").toArray().size(), rooms);
+        QCOMPARE(filesIn("letters").size(), rooms);
+
+        run = ctl({"letter", "--booking", "2", "--kind", "confirmation"});
+        QCOMPARE(run.exitCode, 0);
+        const QString email = m_t->db().scalar("select email from client join booking on madeby = bbclientid where bbbookingid = ?",
+                                               {2}).toString();
+        QCOMPARE(run.json.value("email").toString(), email);
+
+        run = ctl({"letter", "--booking", "2", "--kind", "summary"});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(QFile::exists(m_t->file("VMWordPad.txt")));
+    }
+
+    void lettersWithoutLibreOfficeAreWrittenAndTheMissingPdfIsSaid()
+    {
+        qputenv("FENLARK_SOFFICE", "/nonexistent/soffice");
+        const Run run = ctl({"letter", "--booking", "2", "--kind", "confirmation", "--pdf"});
+        qunsetenv("FENLARK_SOFFICE");
+        QCOMPARE(run.exitCode, 3);
+        QVERIFY(run.errors.contains("needs LibreOffice"));
+        QCOMPARE(run.json.value("files").toArray().size(), 1);
+        QCOMPARE(filesIn("letters").size(), 1);
     }
 };
 
