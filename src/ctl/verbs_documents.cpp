@@ -7,6 +7,7 @@
 #include "reports/pdfconverter.h"
 #include "reports/printbooking.h"
 #include "shell/databasefiles.h"
+#include "shell/progressline.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -73,7 +74,8 @@ int finish(QJsonObject out, const QStringList &files, bool pdf)
     std::optional<Refusal> pdfFailure;
     if (pdf) {
         for (const QString &file : files) {
-            Result<QString> copy = convertToPdf(file);
+            ProgressLine line;
+            Result<QString> copy = convertToPdf(file, line.progress());
             if (!copy) {
                 pdfFailure = copy.refusal();
                 break;

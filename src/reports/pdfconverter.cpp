@@ -1,8 +1,10 @@
 #include "reports/pdfconverter.h"
 
 #include "reports/ooxmlpackage.h"
+#include "shell/strings.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
@@ -16,6 +18,8 @@ namespace fenlark {
 namespace {
 
 constexpr int ConversionTimeoutMs = 120000;
+// How often a conversion under way tells its watcher and hears a Cancel.
+constexpr int WatchEveryMs = 100;
 
 Refusal conversionFailed(const QString &document, const QString &reason)
 {
@@ -48,7 +52,7 @@ QString libreOfficeProgram()
     return {};
 }
 
-Result<QString> convertToPdf(const QString &document)
+Result<QString> convertToPdf(const QString &document, Progress &progress)
 {
     const QString program = libreOfficeProgram();
     if (program.isEmpty())
@@ -71,11 +75,26 @@ Result<QString> convertToPdf(const QString &document)
                             QStringLiteral("pdf"), QStringLiteral("--outdir"), outDir.path(), source.absoluteFilePath()});
     if (!soffice.waitForStarted())
         return conversionFailed(document, soffice.errorString());
-    if (!soffice.waitForFinished(ConversionTimeoutMs)) {
-        soffice.kill();
-        soffice.waitForFinished();
-        return conversionFailed(document, QStringLiteral("timed out"));
+    // The conversion says nothing of how far it is; the watcher sees the time it
+    // may still take, and a stop ends LibreOffice at once. A watcher that lets
+    // events through may see the process end first, hence the state check.
+    const QString what = getString(6851, QStringLiteral("Saving as PDF"));
+    QElapsedTimer clock;
+    clock.start();
+    while (soffice.state() != QProcess::NotRunning && !soffice.waitForFinished(WatchEveryMs)) {
+        const bool stopped = !progress.step(clock.elapsed(), ConversionTimeoutMs, what);
+        if (stopped || clock.elapsed() >= ConversionTimeoutMs) {
+            soffice.kill();
+            soffice.waitForFinished();
+            if (stopped)
+                return Refusal(6852, QStringLiteral("Saving as PDF was stopped. The document itself was saved as %1."), 6833,
+                               QStringLiteral("Could not save as PDF"))
+                    .arg(QDir::toNativeSeparators(document))
+                    .asInformation();
+            return conversionFailed(document, QStringLiteral("timed out"));
+        }
     }
+    progress.step(ConversionTimeoutMs, ConversionTimeoutMs, what);
     const QString made = QDir(outDir.path()).filePath(source.completeBaseName() + QStringLiteral(".pdf"));
     if (soffice.exitStatus() != QProcess::NormalExit || soffice.exitCode() != 0 || !QFileInfo(made).isFile()
         || QFileInfo(made).size() == 0) {

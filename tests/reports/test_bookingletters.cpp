@@ -253,12 +253,26 @@ private Q_SLOTS:
         QVERIFY(letter.ok());
         const QString pdf = QString(letter->path).replace(".docx", ".pdf");
 
+        Progress unwatched;
         qputenv("FENLARK_SOFFICE", m_t->file("no-such-program").toLocal8Bit());
-        Result<QString> copy = convertToPdf(letter->path);
+        Result<QString> copy = convertToPdf(letter->path, unwatched);
         QCOMPARE(copy.refusal().id(), 6830);
         qputenv("FENLARK_SOFFICE", "/bin/false");
-        copy = convertToPdf(letter->path);
+        copy = convertToPdf(letter->path, unwatched);
         QCOMPARE(copy.refusal().id(), 6832);
+        // A conversion that hangs is stopped from its watcher at once.
+        const QString hanging = m_t->file("hanging-office");
+        QFile script(hanging);
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nsleep 60\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("FENLARK_SOFFICE", hanging.toLocal8Bit());
+        int asked = 0;
+        Progress stopAtOnce([&](qint64, qint64, const QString &) { return ++asked < 2; });
+        copy = convertToPdf(letter->path, stopAtOnce);
+        QCOMPARE(copy.refusal().id(), 6852);
+        QCOMPARE(asked, 2);
         QVERIFY(!QFile::exists(pdf));
         QCOMPARE(QDir(m_t->file("letters")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList{QFileInfo(letter->path).fileName()});
@@ -266,7 +280,7 @@ private Q_SLOTS:
 
         if (libreOfficeProgram().isEmpty())
             QSKIP("LibreOffice is not installed");
-        copy = convertToPdf(letter->path);
+        copy = convertToPdf(letter->path, unwatched);
         QVERIFY2(copy.ok(), qPrintable(copy.ok() ? QString() : copy.refusal().text()));
         QCOMPARE(*copy, pdf);
         QFile file(pdf);

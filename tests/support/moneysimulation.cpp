@@ -831,13 +831,15 @@ void writeUntilKilled(const QString &path, unsigned seed)
     }
 }
 
-Outcome runOn(const QString &path, unsigned seed, int steps)
+Outcome runOn(const QString &path, unsigned seed, int steps, const std::function<void(Database &, int)> &synchronise)
 {
     World world(path);
     Outcome outcome;
     outcome.done.assign(KindCount, 0);
     outcome.refusedByKind.assign(KindCount, 0);
     for (const Step &step : sequenceOf(seed, steps)) {
+        if (synchronise && step.kind >= ServerExtraStep)
+            continue;
         bool done = false;
         try {
             done = world.run(step);
@@ -847,6 +849,8 @@ Outcome runOn(const QString &path, unsigned seed, int steps)
         (done ? outcome.done : outcome.refusedByKind)[static_cast<std::size_t>(step.kind)] += 1;
         outcome.refused += done ? 0 : 1;
         ++outcome.stepsRun;
+        if (synchronise)
+            synchronise(world.db(), outcome.stepsRun);
     }
     return outcome;
 }

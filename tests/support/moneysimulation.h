@@ -10,8 +10,13 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <vector>
+
+namespace fenlark {
+class Database;
+}
 
 namespace moneysim {
 
@@ -70,6 +75,9 @@ void prepareProperty(const QString &path);
 std::optional<QString> checkProperty(const QString &path);
 // Runs the operations of simulate(seed, steps) on the database at path, which
 // another process may be writing too; done[0] counts the new bookings made.
-Outcome runOn(const QString &path, unsigned seed, int steps);
+// With a real server, synchronise runs after every step with the steps run so
+// far, and the steps that play the server's part are left to it.
+Outcome runOn(const QString &path, unsigned seed, int steps,
+              const std::function<void(fenlark::Database &, int)> &synchronise = {});
 
 } // namespace moneysim

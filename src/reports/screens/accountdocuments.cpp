@@ -6,10 +6,12 @@
 #include "reports/pdfconverter.h"
 #include "shell/money.h"
 #include "shell/screens/guard.h"
+#include "shell/screens/progressdialog.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QDialogButtonBox>
@@ -40,7 +42,8 @@ void sayCouldNotOpen(const QString &path)
 bool openDocument(const QString &path, bool pdf, const OpenFile &open)
 {
     if (pdf) {
-        if (Result<QString> copy = convertToPdf(path); !copy)
+        Progress progress = progressDialog(getString(6851, QStringLiteral("Saving as PDF")), QApplication::activeWindow());
+        if (Result<QString> copy = convertToPdf(path, progress); !copy)
             messages::show(copy.refusal());
     }
     if (!open(path)) {

@@ -5,6 +5,7 @@
 #include "reports/pdfconverter.h"
 #include "shell/screens/guard.h"
 #include "shell/screens/listgrid.h"
+#include "shell/screens/progressdialog.h"
 #include "shell/session.h"
 #include "shell/strings.h"
 
@@ -92,7 +93,8 @@ bool PrintChoose::printLetter(PrintBooking &printer, LetterKind kind, qint32 roo
     if (kind == LetterKind::Confirmation)
         QGuiApplication::clipboard()->setText(letter->email);
     if (ckPdf->isChecked()) {
-        if (Result<QString> copy = convertToPdf(letter->path); !copy)
+        Progress progress = progressDialog(getString(6851, QStringLiteral("Saving as PDF")), this);
+        if (Result<QString> copy = convertToPdf(letter->path, progress); !copy)
             messages::show(copy.refusal());
     }
     if (!openFile(letter->path)) {
