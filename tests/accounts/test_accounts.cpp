@@ -4,7 +4,7 @@
 #include "accounts/extraqueries.h"
 #include "bookings/bookingrecords.h"
 #include "shell/changelog.h"
-#include "shell/messages.h"
+#include "support/recordingsink.h"
 #include "support/testdatabase.h"
 
 #include <QtTest>
@@ -12,17 +12,6 @@
 using namespace fenlark;
 
 namespace {
-
-class RecordingSink : public MessageSink {
-public:
-    void show(const UserMessage &message) override { shown.push_back(message); }
-    bool ask(const UserMessage &message) override
-    {
-        shown.push_back(message);
-        return false;
-    }
-    std::vector<UserMessage> shown;
-};
 
 qint32 openAccount(Database &db, qint32 client, const QString &status = "O")
 {
@@ -114,32 +103,14 @@ struct SplitRoom {
 class TestAccounts : public QObject {
     Q_OBJECT
 
-    RecordingSink m_sink;
+    std::unique_ptr<RecordingSink> m_sink;
 
 private Q_SLOTS:
-    void init()
-    {
-        m_sink.shown.clear();
-        messages::setSink(&m_sink);
-    }
+    void init() { m_sink = std::make_unique<RecordingSink>(); }
     void cleanup()
     {
-        QVERIFY2(m_sink.shown.empty(), "accounts and the validator show no messages");
-        messages::setSink(nullptr);
-    }
-
-    void createAccountOpensOneForTheClient()
-    {
-        TestDatabase t;
-        const qint32 id = createAccount(t.db(), 7);
-        Account a;
-        QVERIFY(a.fetch(t.db(), id));
-        QCOMPARE(a.InvoiceTo, 7);
-        QCOMPARE(a.Status, QString("O"));
-        QCOMPARE(a.VatCode, qint16(1));
-        QCOMPARE(a.InvoiceNo, 0);
-        QCOMPARE(t.db().scalar("select logtype from dblog where tablename = 'account' and bbtableid = ?", {id}).toString(),
-                 QString("U"));
+        QVERIFY2(m_sink->shown.isEmpty() && m_sink->asked.isEmpty(), "accounts and the validator show no messages");
+        m_sink.reset();
     }
 
     void openAccountIsReusedOnlyWhenItIsTheOnlyOne()
@@ -175,33 +146,6 @@ private Q_SLOTS:
         // A booking without nightly rates adds nothing.
         DailyRate::deleteBooking(t.db(), s.booking.BBBookingID);
         QCOMPARE(Account::getBalanceOnAccount(t.db(), s.B), 7.5 - 100.25);
-    }
-
-    void itemsCountBookingsAndExtrasOnly()
-    {
-        TestDatabase t;
-        SplitRoom s(t.db());
-        s.giveRoomOwnAccount(t.db(), 0, s.S);
-        QCOMPARE(Account::getItemCount(t.db(), s.B), 1);
-        QCOMPARE(Account::getItemCount(t.db(), s.S), 0);
-        addExtra(t.db(), s.legs[0], s.S, QDate(2026, 7, 1));
-        QCOMPARE(Account::getItemCount(t.db(), s.S), 1);
-        QCOMPARE(Account::getExtrasCount(t.db(), s.S), 1);
-        QVERIFY(Account::hasPayments(t.db(), s.S));
-        QVERIFY(!Account::hasPayments(t.db(), s.B));
-    }
-
-    void paymentsComeByDateThenAsEntered()
-    {
-        TestDatabase t;
-        const qint32 late = addPayment(t.db(), 5, 1, QDate(2026, 3, 2));
-        const qint32 early = addPayment(t.db(), 5, 2, QDate(2026, 3, 1));
-        const qint32 sameDay = addPayment(t.db(), 5, 3, QDate(2026, 3, 2));
-        addPayment(t.db(), 6, 4);
-        QList<qint32> order;
-        for (const Payment &p : Account::getPayments(t.db(), 5))
-            order << p.BBPaymentID;
-        QCOMPARE(order, (QList<qint32>{early, late, sameDay}));
     }
 
     void validateAccountLeavesAnAccountWithItemsAlone()
@@ -391,22 +335,6 @@ private Q_SLOTS:
         QCOMPARE(statusOf(t.db(), s.B), QString("O"));
     }
 
-    void extraQueries()
-    {
-        TestDatabase t;
-        SplitRoom s(t.db());
-        const qint32 later = addExtra(t.db(), s.legs[0], s.B, QDate(2026, 7, 2));
-        const qint32 earlier = addExtra(t.db(), s.legs[0], s.S, QDate(2026, 7, 1));
-        addExtra(t.db(), s.legs[1], s.B, QDate(2026, 7, 1));
-        addExtra(t.db(), 999, s.B, QDate(2026, 7, 1));
-        const auto room = getExtrasByRoom(t.db(), s.legs[0]);
-        QCOMPARE(room.size(), std::size_t(2));
-        QCOMPARE(room[0].BBExtraID, earlier);
-        QCOMPARE(room[1].BBExtraID, later);
-        QCOMPARE(getExtras(t.db(), s.B).size(), std::size_t(3));
-        QCOMPARE(getExtrasByBookingAndAccount(t.db(), s.booking.BBBookingID, s.B).size(), std::size_t(2));
-        QCOMPARE(getExtrasByRoomAndAccount(t.db(), s.legs[0], s.S).size(), std::size_t(1));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestAccounts)

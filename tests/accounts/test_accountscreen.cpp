@@ -45,8 +45,7 @@ class TestAccountScreen : public QObject {
 private Q_SLOTS:
     void theSummaryListsBookingsThenExtrasWithTheirTotals()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const BookingMade late = addBooking(t.db(), client, {2}, Arrival.addDays(5), 1, 80);
         const BookingMade early = addBooking(t.db(), client, {1, 3}, Arrival, 2, 100, late.account);
@@ -73,8 +72,7 @@ private Q_SLOTS:
 
     void anAccountWhoseClientWasDeletedStillShowsItsMoney()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const BookingMade b = addBooking(t.db(), client, {1}, Arrival, 2, 100);
         t.db().execute("delete from client");
@@ -87,8 +85,7 @@ private Q_SLOTS:
 
     void theReferenceIsSavedEvenOnAClosedAccount()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const BookingMade b = addBooking(t.db(), addClient(t.db(), "Heron"), {1}, Arrival, 2, 100);
         t.db().execute("update account set status = 'C' where bbaccountid = ?", {b.account});
         QVERIFY(saveAccountReference(t.db(), b.account, "PO 7781"));
@@ -97,8 +94,7 @@ private Q_SLOTS:
 
     void theCardLinkNeedsClientDetailsAndASynchronisedBooking()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 bare = addClient(t.db(), "Heron");
         const BookingMade b = addBooking(t.db(), bare, {1}, Arrival, 2, 100);
         QCOMPARE(cardPaymentLink(t.db(), b.account, "http://srv", 20001).refusal().id(), 6687);
@@ -113,8 +109,7 @@ private Q_SLOTS:
 
     void theSearchCombinesItsFields()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 heron = addClient(t.db(), "Heron");
         const qint32 acme = addClient(t.db(), "Acme");
         const BookingMade early = addBooking(t.db(), heron, {1}, Arrival, 2, 100);
@@ -149,8 +144,7 @@ private Q_SLOTS:
 
     void movingABookingTakesOnlyItsExtrasOnTheOldAccount()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const BookingMade b = addBooking(t.db(), client, {1}, Arrival, 2, 100);
         const BookingMade stays = addBooking(t.db(), client, {2}, Arrival, 2, 100, b.account);
@@ -171,8 +165,7 @@ private Q_SLOTS:
 
     void movingTheLastItemClosesTheAccountAndTakesItsPayments()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const BookingMade b = addBooking(t.db(), client, {1}, Arrival, 2, 100);
         const qint32 payment = paymentOn(t.db(), b.account, "75");
@@ -187,8 +180,7 @@ private Q_SLOTS:
 
     void movingToAnotherClientUsesItsOnlyOpenAccountOrAsksBetweenSeveral()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 heron = addClient(t.db(), "Heron");
         const qint32 acme = addClient(t.db(), "Acme");
         const BookingMade b = addBooking(t.db(), heron, {1}, Arrival, 2, 100);
@@ -213,8 +205,7 @@ private Q_SLOTS:
 
     void movesThatCannotBeMadeAreRefusedAndWriteNothing()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const BookingMade b = addBooking(t.db(), client, {1}, Arrival, 2, 100);
         const qint32 closed = createAccount(t.db(), client);
@@ -232,17 +223,6 @@ private Q_SLOTS:
         QCOMPARE(ChangeLog::count(t.db()), 0);
     }
 
-    void itemsAreDescribedForTheMoveDialog()
-    {
-        TestDatabase t;
-        setUpProperty(t.db());
-        const BookingMade b = addBooking(t.db(), addClient(t.db(), "Heron"), {1}, Arrival, 2, 100);
-        const qint32 extra = addExtraRow(t.db(), b.legs[0], b.account, 2, 10);
-        const QString date = QLocale().toString(Arrival, QLocale::ShortFormat);
-        QCOMPARE(describeItem(t.db(), {AccountItemRef::Booking, b.booking}), QStringLiteral("BkID %1 arriving %2 - Heron").arg(b.booking).arg(date));
-        QCOMPARE(describeItem(t.db(), {AccountItemRef::Extra, extra}), QStringLiteral("Extra - %1 (2 x Wine)").arg(date));
-        QCOMPARE(describeItem(t.db(), {AccountItemRef::Extra, 999}), QString("Error - for Extra ID - 999"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestAccountScreen)

@@ -121,8 +121,7 @@ private Q_SLOTS:
         QFETCH(QString, type);
         QFETCH(QString, typed);
         QFETCH(double, stored);
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const auto written = addLedgerEntry(t.db(), entry(client, type, typed), clerk(), VatRules::load(t.db()));
         QVERIFY(written);
@@ -133,8 +132,7 @@ private Q_SLOTS:
 
     void manualPaymentIsAPaymentOnNoAccountWithItsTwin()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const auto written = addLedgerEntry(t.db(), entry(client, "PMT", "300"), clerk(), VatRules::load(t.db()));
         QVERIFY(written);
@@ -149,8 +147,7 @@ private Q_SLOTS:
 
     void manualVatIsComputedNotTaken()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const VatRules vat = VatRules::load(t.db());
         auto journal = addLedgerEntry(t.db(), entry(client, "JNL", "114", "5"), clerk(), vat);
@@ -166,8 +163,7 @@ private Q_SLOTS:
 
     void manualVatIsZeroWithoutAVatNumber()
     {
-        TestDatabase t;
-        setUpProperty(t.db(), false);
+        PropertyDatabase t(false);
         const qint32 client = addClient(t.db(), "Heron");
         auto journal = addLedgerEntry(t.db(), entry(client, "JNL", "114", "14"), clerk(), VatRules::load(t.db()));
         QCOMPARE(journal->row.VAT, 0.0);
@@ -196,8 +192,7 @@ private Q_SLOTS:
         QFETCH(QString, vat);
         QFETCH(bool, knownClient);
         QFETCH(int, refusal);
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = knownClient ? addClient(t.db(), "Heron") : 404;
         t.db().execute("delete from dblog");
         const auto written = addLedgerEntry(t.db(), entry(client, type, amount, vat), clerk(), VatRules::load(t.db()));
@@ -210,8 +205,7 @@ private Q_SLOTS:
 
     void searchFiltersAndOrdersNewestFirst()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Heron");
         const VatRules vat = VatRules::load(t.db());
         LedgerEntry early = entry(client, "PMT", "100");

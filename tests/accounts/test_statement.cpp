@@ -97,8 +97,7 @@ private Q_SLOTS:
 
     void aClientWithoutRowsHasNoStatement()
     {
-        TestDatabase t;
-        setUpProperty(t.db());
+        PropertyDatabase t;
         const qint32 client = addClient(t.db(), "Quiet");
         QCOMPARE(buildStatement(t.db(), client).refusal().id(), 6703);
         QCOMPARE(buildStatement(t.db(), 999).refusal().id(), 5005);

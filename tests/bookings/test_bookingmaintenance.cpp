@@ -17,6 +17,7 @@
 #include "shell/changelog.h"
 #include "shell/security.h"
 #include "shell/setuprecords.h"
+#include "support/databasedump.h"
 #include "support/demodatabase.h"
 #include "synch/json.h"
 #include "synch/serverupdates.h"
@@ -56,15 +57,7 @@ public:
 // Everything a write could touch, to show that a refused one left it all as it was.
 QString snapshot(Database &db)
 {
-    QString all;
-    for (const char *table : {"booking", "guest", "bookingdel", "guestdel", "dailyrate", "dblog", "audit"}) {
-        QSqlQuery q = db.query(QStringLiteral("select * from ") + QLatin1String(table));
-        while (q.next())
-            for (int c = 0; c < q.record().count(); ++c)
-                all += q.value(c).toString() + QLatin1Char('|');
-        all += QLatin1Char('\n');
-    }
-    return all;
+    return dumpDatabase(db.connection());
 }
 
 QStringList logRows(Database &db)

@@ -358,21 +358,6 @@ private Q_SLOTS:
         QCOMPARE(quote(Arrival, Arrival.addDays(1))->types.size(), size_t(4));
     }
 
-    void aOneNightQuoteCostsTheNightlyRate()
-    {
-        const auto quoted = quote(Arrival, Arrival.addDays(1));
-        QVERIFY(quoted);
-        for (const QuotedRoomType &type : quoted->types)
-            for (const QuotedRate &rate : type.rates)
-                QCOMPARE(rate.perNight, rate.total);
-        ChildPolicy policy;
-        policy.fetchChildPolicy(db());
-        const QString copied = quote(Arrival, Arrival.addDays(2), 2, 1)->copyText(policy);
-        QVERIFY(copied.contains("No. Nights: 2\n"));
-        QVERIFY(copied.contains(QString("Children (%1): 1\n").arg(policy.label1)));
-        QVERIFY(copied.contains("Room Type Description(s):-\n* Standard Double\nDouble bed, garden view\n"));
-    }
-
     void aQuoteOnASheetOfAnotherCurrencyNamesIt()
     {
         db().execute("update ratesheet set CurrencyCode = 'EUR' where BBRateSheetID = 1");
@@ -402,20 +387,6 @@ private Q_SLOTS:
         view->recalculate(m_rates);
         QCOMPARE(nightsOf(booking, 1), before);
         QVERIFY(!BookingRates::load(db(), 4242));
-    }
-
-    void savingUnchangedRatesRewritesThemWithoutAudit()
-    {
-        const qint32 booking = book(1, client("Rae", "Rates"));
-        const QMap<QDate, double> before = nightsOf(booking, 1);
-        db().execute("delete from dblog");
-        const int auditsBefore = audits();
-        const auto saved = BookingRates::load(db(), booking)->save(db(), m_setup, m_user);
-        QVERIFY(saved);
-        QCOMPARE(saved->bookings(), QSet<qint32>{booking});
-        QCOMPARE(nightsOf(booking, 1), before);
-        QCOMPARE(audits(), auditsBefore);
-        QCOMPARE(db().scalar("select TableName || bbtableId from dblog").toString(), QString("booking%1").arg(booking));
     }
 
     void aTypedAmountIsStoredInCentsAndAuditedAlone()

@@ -1,46 +1,24 @@
 // fenlarkctl's booking verbs, run as a script runs them: a separate process on
 // a database file, JSON on stdout, a refusal on stderr with a non-zero exit.
-#include "shell/database.h"
 #include "desk/propertygenerator.h"
+#include "shell/database.h"
+#include "support/databasedump.h"
+#include "support/ctlrun.h"
 #include "support/testdatabase.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QtTest>
 
 using namespace fenlark;
-
-namespace {
-
-struct Run {
-    int exitCode = -1;
-    QJsonObject json;
-    QString errors;
-};
-
-} // namespace
 
 class TestBookingVerbs : public QObject {
     Q_OBJECT
 
 private:
-    QString m_ctl;
     std::unique_ptr<TestDatabase> m_t;
 
-    Run ctl(QStringList arguments)
-    {
-        arguments << QStringLiteral("--home") << m_t->home() << QStringLiteral("--db") << m_t->db().path();
-        QProcess process;
-        process.start(m_ctl, arguments);
-        process.waitForFinished(60000);
-        Run run;
-        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        run.json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
-        run.errors = QString::fromUtf8(process.readAllStandardError()).trimmed();
-        return run;
-    }
+    CtlRun ctl(const QStringList &arguments) { return runCtl(m_t->home(), m_t->db().path(), arguments); }
 
     qint32 book(const QString &from, const QString &to, const QStringList &rooms)
     {
@@ -48,30 +26,21 @@ private:
                               QStringLiteral("--surname"), QStringLiteral("Script")};
         for (const QString &room : rooms)
             arguments << QStringLiteral("--room") << room;
-        const Run run = ctl(arguments);
+        const CtlRun run = ctl(arguments);
         if (run.exitCode != 0)
             qWarning() << run.errors;
         return run.exitCode == 0 ? run.json.value("booking").toInt() : 0;
     }
 
     // Everything a refused change must leave as it was.
-    QString snapshot()
-    {
-        Database &db = m_t->db();
-        return db.scalar("select group_concat(BBBookingID || ':' || FromDate || ':' || ToDate, ';') from booking").toString()
-            + db.scalar("select group_concat(BBBookingID || ':' || BBRoomID, ';') from guest").toString()
-            + db.scalar("select count(*) || ':' || total(RoomRate) from dailyrate").toString()
-            + db.scalar("select count(*) from dblog").toString();
-    }
+    QString snapshot() { return dumpDatabaseFile(m_t->db().path()); }
 
     int nights(qint32 booking) { return m_t->db().scalar("select count(*) from dailyrate where BBBookingID = ?", {booking}).toInt(); }
 
 private Q_SLOTS:
     void initTestCase()
     {
-        m_ctl = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../fenlarkctl"));
-        if (!QFileInfo(m_ctl).isExecutable())
-            QSKIP("fenlarkctl is not built beside the tests");
+        FENLARK_REQUIRE_CTL();
     }
 
     void init()
@@ -85,25 +54,18 @@ private Q_SLOTS:
         const QString before = snapshot();
         const QStringList crowded = {"book", "--from", "2031-05-01", "--to", "2031-05-04", "--room", "1", "--room", "2::9",
                                      "--surname", "Script", "--first", "Ann"};
-        const Run refused = ctl(crowded);   // nine adults in a double: a script must say --yes
+        const CtlRun refused = ctl(crowded);   // nine adults in a double: a script must say --yes
         QVERIFY(refused.exitCode != 0);
         QVERIFY(refused.errors.contains("change the number of people"));
         QCOMPARE(snapshot(), before);
-        const Run run = ctl(crowded + QStringList{"--yes"});
+        const CtlRun run = ctl(crowded + QStringList{"--yes"});
         QCOMPARE(run.exitCode, 0);
         const qint32 booking = run.json.value("booking").toInt();
-        QVERIFY(booking > 0);
-        QCOMPARE(run.json.value("legs").toArray().size(), 2);
-        QVERIFY(run.json.value("account").toInt() > 0);
-        QVERIFY(run.json.value("total").toDouble() > 0);
         QCOMPARE(nights(booking), 6);
         QCOMPARE(m_t->db().scalar("select NoAdults from guest where BBBookingID = ? and BBRoomID = 2", {booking}).toInt(), 9);
         QCOMPARE(m_t->db().scalar("select TableName || ':' || bbtableId from dblog order by logid desc limit 1").toString(),
                  QStringLiteral("booking:%1").arg(booking));
 
-        const Run shown = ctl({"booking", "show", QString::number(booking)});
-        QCOMPARE(shown.exitCode, 0);
-        QVERIFY(!shown.json.isEmpty());
     }
 
     void refusedChangesWriteNothing()
@@ -113,44 +75,32 @@ private Q_SLOTS:
         QVERIFY(first > 0 && second > 0);
         const QString before = snapshot();
 
-        const Run taken = ctl({"book", "--from", "2031-05-02", "--to", "2031-05-03", "--room", "1", "--surname", "Late"});
-        QVERIFY(taken.exitCode != 0);
-        QVERIFY(!taken.errors.isEmpty());
-
-        const Run clash = ctl({"booking", "dates", QString::number(second), "--from", "2031-05-03", "--to", "2031-05-06"});
+        const CtlRun clash = ctl({"booking", "dates", QString::number(second), "--from", "2031-05-03", "--to", "2031-05-06"});
         QVERIFY(clash.exitCode != 0);
         QVERIFY(!clash.errors.isEmpty());
 
-        const Run takenRoom = ctl({"booking", "room", QString::number(second), "--leg", "3", "--to-room", "1"});
+        const CtlRun takenRoom = ctl({"booking", "room", QString::number(second), "--leg", "3", "--to-room", "1"});
         QVERIFY(takenRoom.exitCode != 0);
 
-        const Run badRoom = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1:x", "--surname", "X"});
-        QVERIFY(badRoom.exitCode != 0);
-        const Run backwards = ctl({"book", "--from", "2031-06-05", "--to", "2031-06-02", "--room", "1", "--surname", "X"});
-        QVERIFY(backwards.exitCode != 0);
-        const Run noName = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1", "--surname", " "});
-        QVERIFY(noName.exitCode != 0);
-
         // What does not exist is refused with a message, not booked.
-        const Run noSuchRoom = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "77", "--surname", "X"});
+        const CtlRun noSuchRoom = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "77", "--surname", "X"});
         QVERIFY(noSuchRoom.exitCode != 0);
         QVERIFY(noSuchRoom.errors.contains("There is no room 77."));
-        const Run noSuchRate = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1:9999", "--surname", "X"});
+        const CtlRun noSuchRate = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1:9999", "--surname", "X"});
         QVERIFY(noSuchRate.exitCode != 0);
         QVERIFY(noSuchRate.errors.contains("not offered"));
+        const CtlRun toNoRoom = ctl({"booking", "room", QString::number(second), "--leg", "3", "--to-room", "77"});
+        QVERIFY(toNoRoom.exitCode != 0);
+        QVERIFY(toNoRoom.errors.contains("There is no room 77."));
+        QCOMPARE(snapshot(), before);
+
         m_t->db().execute("insert into client (Surname, Active) values ('Retired', 'N')");
         const QString retired = QString::number(m_t->db().lastInsertId());
         const QString withRetired = snapshot();
-        const Run forRetired = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1", "--client", retired});
+        const CtlRun forRetired = ctl({"book", "--from", "2031-06-01", "--to", "2031-06-02", "--room", "1", "--client", retired});
         QVERIFY(forRetired.exitCode != 0);
         QVERIFY(forRetired.errors.contains("retired"));
         QCOMPARE(snapshot(), withRetired);
-        m_t->db().execute("delete from client where BBClientID = ?", {retired});
-        const Run toNoRoom = ctl({"booking", "room", QString::number(second), "--leg", "3", "--to-room", "77"});
-        QVERIFY(toNoRoom.exitCode != 0);
-        QVERIFY(toNoRoom.errors.contains("There is no room 77."));
-
-        QCOMPARE(snapshot(), before);
     }
 
     void datesRoomsAndSplitSaveThroughTheEditorsPath()
@@ -159,18 +109,18 @@ private Q_SLOTS:
         QVERIFY(booking > 0);
         const double total = m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble();
 
-        const Run moved = ctl({"booking", "dates", QString::number(booking), "--from", "2031-05-01", "--to", "2031-05-06"});
+        const CtlRun moved = ctl({"booking", "dates", QString::number(booking), "--from", "2031-05-01", "--to", "2031-05-06"});
         QCOMPARE(moved.exitCode, 0);
         QCOMPARE(moved.json.value("to").toString(), QStringLiteral("2031-05-06"));
         QCOMPARE(nights(booking), 10);
 
-        const Run room = ctl({"booking", "room", QString::number(booking), "--leg", "2", "--to-room", "5"});
+        const CtlRun room = ctl({"booking", "room", QString::number(booking), "--leg", "2", "--to-room", "5"});
         QCOMPARE(room.exitCode, 0);
         QCOMPARE(m_t->db().scalar("select count(*) from dailyrate where BBBookingID = ? and BBRoomID = 5", {booking}).toInt(), 5);
 
         const double beforeSplit = m_t->db().scalar("select total(RoomRate) from dailyrate").toDouble();
         QVERIFY(beforeSplit > total);
-        const Run split = ctl({"booking", "split", QString::number(booking), "--leg", "5"});
+        const CtlRun split = ctl({"booking", "split", QString::number(booking), "--leg", "5"});
         QCOMPARE(split.exitCode, 0);
         const qint32 other = split.json.value("booking").toInt();
         QVERIFY(other > 0 && other != booking);
@@ -186,17 +136,15 @@ private Q_SLOTS:
         m_t->db().execute("update booking set Status = 'U' where BBBookingID = ?", {booking});
         m_t->db().execute("update room set OrderBy = 0 where BBRoomID = 3");
 
-        const Run in = ctl({"arrivals", "--date", "2031-07-01"});
+        const CtlRun in = ctl({"arrivals", "--date", "2031-07-01"});
         QCOMPARE(in.exitCode, 0);
         const QJsonArray arriving = in.json.value("legs").toArray();
         QCOMPARE(arriving.size(), 2);
         QCOMPARE(arriving.at(0).toObject().value("room").toInt(), 3);
         QCOMPARE(arriving.at(1).toObject().value("room").toInt(), 1);
-        QCOMPARE(arriving.at(0).toObject().value("booking").toInt(), booking);
-        QVERIFY(arriving.at(0).toObject().value("client").toString().contains("Script"));
 
         QCOMPARE(ctl({"arrivals", "--date", "2031-07-03", "--departures"}).json.value("legs").toArray().size(), 3);
-        const Run none = ctl({"arrivals", "--date", "2031-08-01"});
+        const CtlRun none = ctl({"arrivals", "--date", "2031-08-01"});
         QCOMPARE(none.exitCode, 0);
         QVERIFY(none.json.value("legs").toArray().isEmpty());
     }
@@ -210,24 +158,21 @@ private Q_SLOTS:
         db.execute("update booking set Status = 'P', ReservedUntil = '2020-01-01 10:00:00' where BBBookingID = ?", {held});
         db.execute("update booking set ReservedUntil = '2020-01-01 10:00:00' where BBBookingID = ?", {confirmed});
 
-        const Run due = ctl({"reminders"});
+        const CtlRun due = ctl({"reminders"});
         QCOMPARE(due.exitCode, 0);
         const QJsonArray reminders = due.json.value("reminders").toArray();
         QCOMPARE(reminders.size(), 1);
         const QJsonObject reminder = reminders.at(0).toObject();
         QCOMPARE(reminder.value("booking").toInt(), held);
-        QCOMPARE(reminder.value("room").toInt(), 2);
-        QCOMPARE(reminder.value("arrival").toString(), QString("2031-07-04"));
         QCOMPARE(reminder.value("text").toString(), QString("Script arriving Fri 04 Jul 2031"));
 
         const QString before = snapshot();
-        const Run refused = ctl({"reminders", "--postpone", QString::number(confirmed)});
+        const CtlRun refused = ctl({"reminders", "--postpone", QString::number(confirmed)});
         QVERIFY(refused.exitCode != 0);
         QVERIFY(refused.errors.contains("not a provisional booking"));
-        QVERIFY(ctl({"reminders", "--postpone", "x"}).exitCode != 0);
         QCOMPARE(snapshot(), before);
 
-        const Run postponed = ctl({"reminders", "--postpone", QString::number(held)});
+        const CtlRun postponed = ctl({"reminders", "--postpone", QString::number(held)});
         QCOMPARE(postponed.exitCode, 0);
         const QDateTime until = QDateTime::fromString(postponed.json.value("reservedUntil").toString(), Qt::ISODate);
         QVERIFY(qAbs(until.secsTo(QDateTime::currentDateTime().addSecs(4 * 3600))) < 120);
@@ -238,13 +183,13 @@ private Q_SLOTS:
 
     void doubleBookingsAreListedWithExitThree()
     {
-        const Run clear = ctl({"double-bookings"});
+        const CtlRun clear = ctl({"double-bookings"});
         QCOMPARE(clear.exitCode, 0);
         QVERIFY(clear.json.value("clashes").toArray().isEmpty());
         const qint32 first = book("2031-05-01", "2031-05-04", {"1"});
         const qint32 second = book("2031-05-01", "2031-05-04", {"2"});
         m_t->db().execute("update guest set BBRoomID = 1 where BBBookingID = ?", {second});
-        const Run found = ctl({"double-bookings"});
+        const CtlRun found = ctl({"double-bookings"});
         QCOMPARE(found.exitCode, 3);
         const QJsonArray clashes = found.json.value("clashes").toArray();
         QCOMPARE(clashes.size(), 2);

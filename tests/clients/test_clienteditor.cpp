@@ -4,6 +4,7 @@
 #include "clients/clientrecords.h"
 #include "clients/companylookup.h"
 #include "shell/changelog.h"
+#include "support/clientfixture.h"
 #include "support/testdatabase.h"
 
 #include <QtTest>
@@ -28,21 +29,6 @@ public:
     bool happy = true;
     QStringList asked;
 };
-
-qint32 addClient(Database &db, const QString &first, const QString &surname, const QString &company = {},
-                 const QString &active = "Y")
-{
-    Client c;
-    c.ClientType = company.isEmpty() ? "I" : "C";
-    c.FirstName = first;
-    c.Surname = surname;
-    c.Company = company;
-    c.Active = active;
-    c.CreatedOn = "C";
-    c.DateCreated = QDateTime(QDate(2020, 5, 1), QTime(8, 0));
-    c.update(db);
-    return c.BBClientID;
-}
 
 qint32 addExtra(Database &db, qint32 client, const QString &type, const QString &value)
 {
@@ -108,7 +94,7 @@ private Q_SLOTS:
         QFETCH(bool, madeNew);
 
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sam", "Smith", "Acme");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith", "Acme");
         ClientEditor editor(t.db());
         QVERIFY(editor.open(id));
         editor.client().Surname = surname;
@@ -178,12 +164,12 @@ private Q_SLOTS:
     void extrasSaveAsADiffOfTheGrid()
     {
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sam", "Smith");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith");
         const qint32 phone = addExtra(t.db(), id, "P", "021 555 0100");
         const qint32 fax = addExtra(t.db(), id, "F", "021 555 0199");
         const qint32 passport = addExtra(t.db(), id, "I", "A1234567");
         const qint32 unlisted = addExtra(t.db(), id, "X", "not in the sort table");
-        const qint32 other = addClient(t.db(), "Ann", "Jones");
+        const qint32 other = addPerson(t.db(), "Ann", "Jones");
         const qint32 othersCell = addExtra(t.db(), other, "C", "083 000 0000");
         ChangeLog::clearLog(t.db(), "clientextra", phone);
         ChangeLog::clearLog(t.db(), "clientextra", passport);
@@ -216,7 +202,7 @@ private Q_SLOTS:
     void newClientFromAChangedOneGetsTheGridAsNewExtras()
     {
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sam", "Smith");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith");
         const qint32 phone = addExtra(t.db(), id, "P", "021 555 0100");
         addExtra(t.db(), id, "F", "021 555 0199");
         ClientEditor editor(t.db());
@@ -236,7 +222,7 @@ private Q_SLOTS:
     void openingClosesTheClientsEmptyOpenAccounts()
     {
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sam", "Smith");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith");
         Account empty;
         empty.InvoiceTo = id;
         empty.Status = "O";
@@ -250,7 +236,7 @@ private Q_SLOTS:
         b.BBAccountID = used.BBAccountID;
         b.update(t.db());
         Account othersEmpty;
-        othersEmpty.InvoiceTo = addClient(t.db(), "Ann", "Jones");
+        othersEmpty.InvoiceTo = addPerson(t.db(), "Ann", "Jones");
         othersEmpty.Status = "O";
         othersEmpty.update(t.db());
 
@@ -267,12 +253,12 @@ private Q_SLOTS:
     void retiredClientOpensByKeyWithItsCaption()
     {
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sid", "Smith", {}, "N");
+        const qint32 id = addPerson(t.db(), "Sid", "Smith", {}, "N");
         ClientEditor editor(t.db());
         QVERIFY(editor.open(id));
         QVERIFY(editor.isRetired());
         QCOMPARE(editor.caption(), QString("Client Details (ID %1) - Retired").arg(id));
-        QVERIFY(editor.open(addClient(t.db(), "Ann", "Jones")));
+        QVERIFY(editor.open(addPerson(t.db(), "Ann", "Jones")));
         QCOMPARE(editor.caption().endsWith(" - Retired"), false);
     }
 
@@ -291,7 +277,7 @@ private Q_SLOTS:
         QCOMPARE(clientCount(t.db()), 0);
 
         // Removed by a synchronisation while it was open here.
-        const qint32 id = addClient(t.db(), "Sam", "Smith");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith");
         addExtra(t.db(), id, "P", "1");
         QVERIFY(editor.open(id));
         t.db().execute("delete from client where bbclientid = ?", {id});
@@ -314,7 +300,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, field);
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sam", "Smith");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith");
         const qint32 phone = addExtra(t.db(), id, "P", "1");
         ClientEditor editor(t.db());
         QVERIFY(editor.open(id));
@@ -429,7 +415,7 @@ private Q_SLOTS:
     void failingWriteMidwayLeavesTheClientAsItWas()
     {
         TestDatabase t;
-        const qint32 id = addClient(t.db(), "Sam", "Smith");
+        const qint32 id = addPerson(t.db(), "Sam", "Smith");
         addExtra(t.db(), id, "P", "1");
         t.db().execute("create trigger fail_extra before insert on clientextra when new.FieldValue = 'boom' "
                        "begin select raise(abort, 'disk full'); end");

@@ -2,6 +2,7 @@
 #include "bookings/bookingrecords.h"
 #include "clients/clienthistory.h"
 #include "clients/clientrecords.h"
+#include "support/clientfixture.h"
 #include "support/testdatabase.h"
 
 #include <QtTest>
@@ -9,17 +10,6 @@
 using namespace fenlark;
 
 namespace {
-
-qint32 addClient(Database &db, const QString &first, const QString &surname)
-{
-    Client c;
-    c.ClientType = "I";
-    c.FirstName = first;
-    c.Surname = surname;
-    c.Active = "Y";
-    c.update(db);
-    return c.BBClientID;
-}
 
 qint32 addBooking(Database &db, qint32 madeBy, const QDate &from, int nights, qint32 invoiceTo = 0)
 {
@@ -66,8 +56,8 @@ void addLeg(Database &db, qint32 booking, qint32 room, qint32 client, qint32 cli
 struct History {
     explicit History(Database &db)
     {
-        cara = addClient(db, "Cara", "Naidoo");
-        other = addClient(db, "Olu", "Okafor");
+        cara = addPerson(db, "Cara", "Naidoo");
+        other = addPerson(db, "Olu", "Okafor");
         made = addBooking(db, cara, QDate(2026, 1, 10), 2);
         addLeg(db, made, 1, other, 0, {100, 120});
         addLeg(db, made, 2, other, 0, {25, 25});
@@ -113,7 +103,7 @@ private Q_SLOTS:
     {
         TestDatabase t;
         History h(t.db());
-        QVERIFY(clientHistory(t.db(), addClient(t.db(), "New", "Comer")).empty());
+        QVERIFY(clientHistory(t.db(), addPerson(t.db(), "New", "Comer")).empty());
         // Legs without a second guest hold 0 there: no key below 1 finds them.
         QVERIFY(clientHistory(t.db(), 0).empty());
     }

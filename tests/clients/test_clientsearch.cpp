@@ -288,45 +288,6 @@ private Q_SLOTS:
         QCOMPARE(tidyName(QString::fromUtf8("élodie")), QString::fromUtf8("Élodie"));
     }
 
-    void rowsComeInTheOrderOfTheKeysGiven()
-    {
-        TestDatabase t;
-        std::vector<qint32> ids;
-        for (int i = 0; i < 150; ++i)
-            ids.push_back(addClient(t.db(), "I", "F", QString("S%1").arg(i), ""));
-        std::vector<qint32> asked(ids.rbegin(), ids.rend());
-        asked.insert(asked.begin() + 70, 99999);
-        const auto rows = fetchClientRows(t.db(), asked);
-        QCOMPARE(rows.size(), std::size_t(150));
-        QCOMPARE(rows.front().BBClientID, ids.back());
-        QCOMPARE(rows.back().Surname, QString("S0"));
-        QCOMPARE(rows[100].BBClientID, ids[49]);
-    }
-
-    void modelShowsTheThreeColumns()
-    {
-        TestDatabase t;
-        People p(t.db());
-        ClientSearchModel model;
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QCOMPARE(model.columnCount(), 3);
-        QCOMPARE(model.headerData(0, Qt::Horizontal).toString(), QString("ID"));
-        QCOMPARE(model.headerData(1, Qt::Horizontal).toString(), QString("Client Name"));
-        QCOMPARE(model.headerData(2, Qt::Horizontal).toString(), QString("Short Name"));
-        model.search(t.db(), {"", "sm", "", ""});
-        QCOMPARE(model.rowCount(), 3);
-        QCOMPARE(model.index(0, 0).data().toInt(), p.bob);
-        QCOMPARE(model.index(0, 1).data().toString(), QString("Bob Smith / Acme"));
-        QCOMPARE(model.index(2, 1).data().toString(), QString("Sam Smith - 555 / sam@x"));
-        QCOMPARE(model.index(1, 2).data().toString(), QString("Smy"));
-        model.search(t.db(), {});
-        QCOMPARE(model.rowCount(), 0);
-        model.search(t.db(), {"", "", "acme", ""});
-        QCOMPARE(model.rowCount(), 2);
-        model.clear();
-        QCOMPARE(model.rowCount(), 0);
-    }
-
     void modelReadsRowsBeyondTheFirstPage()
     {
         TestDatabase t;

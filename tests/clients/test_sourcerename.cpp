@@ -2,6 +2,7 @@
 #include "clients/sourcerename.h"
 #include "shell/changelog.h"
 #include "shell/security.h"
+#include "support/databasedump.h"
 #include "support/testdatabase.h"
 
 #include <QtTest>
@@ -44,8 +45,7 @@ QStringList texts(const std::vector<SourceCount> &counts)
 
 QString snapshot(Database &db)
 {
-    return db.scalar("select group_concat(source, '|') from booking").toString() + "#" +
-           db.scalar("select count(*) from dblog").toString() + "#" + db.scalar("select count(*) from audit").toString();
+    return dumpDatabase(db.connection());
 }
 
 } // namespace

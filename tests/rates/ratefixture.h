@@ -122,7 +122,7 @@ inline void longStay(Database &db, qint32 id, qint32 sheet, qint32 type, QDate s
     l.update(db);
 }
 
-struct PackageSpec {
+struct PackageRow {
     qint32 id = 0;
     const char *code = "";
     QDate start, end;
@@ -132,18 +132,18 @@ struct PackageSpec {
     const char *scheme = "1";
 };
 
-inline void package(Database &db, const PackageSpec &spec)
+inline void package(Database &db, const PackageRow &row)
 {
     Package p;
-    p.BBPackageID = spec.id;
-    p.PackageName = QString::fromLatin1(spec.code);
-    p.PackageCode = QString::fromLatin1(spec.code);
-    p.StartDate = spec.start;
-    p.EndDate = spec.end;
-    p.Duration = spec.duration;
-    p.BlockAll = QString::fromLatin1(spec.blockAll);
-    p.MinStay = spec.minStay;
-    p.RateScheme = QString::fromLatin1(spec.scheme);
+    p.BBPackageID = row.id;
+    p.PackageName = QString::fromLatin1(row.code);
+    p.PackageCode = QString::fromLatin1(row.code);
+    p.StartDate = row.start;
+    p.EndDate = row.end;
+    p.Duration = row.duration;
+    p.BlockAll = QString::fromLatin1(row.blockAll);
+    p.MinStay = row.minStay;
+    p.RateScheme = QString::fromLatin1(row.scheme);
     p.update(db);
 }
 

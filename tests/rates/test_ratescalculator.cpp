@@ -26,6 +26,25 @@ QList<double> nights(const RateData &data, qint32 rate, QDate from, QDate to, in
     return priceStay(data, request).nights.values();
 }
 
+// The fixture property with its sharing rule "N" and the default child rule.
+struct PlainProperty : TestDatabase {
+    PlainProperty()
+    {
+        insertSetup(db(), QStringLiteral("N"));
+        writeProperty(db());
+    }
+};
+
+// The 3-night package "WEEK3" of room type 1 (code 10), May to August, MinStay 3,
+// at 500/400/300/250/200, in the package scheme given.
+void writeWeek3(Database &db, const char *scheme = "1")
+{
+    package(db, {1, "WEEK3", QDate(2025, 5, 1), QDate(2025, 8, 31), 3, "N", 3, scheme});
+    packageRT(db, 51, 1, 1);
+    rateCode(db, 10, "P", 51);
+    packageRate(db, 1, 51, 0, {500, 400, 300, 250, 200});
+}
+
 } // namespace
 
 class TestRatesCalculator : public QObject {
@@ -124,9 +143,7 @@ private Q_SLOTS:
 
     void perUnitRoomIgnoresTheGuests()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         const RateData data = RateData::load(t.db());
         QCOMPARE(nights(data, 3, Monday, Monday.addDays(1), 3, 2, 1), QList<double>{900});
         QCOMPARE(nights(data, 3, Monday, Monday.addDays(1), 1), QList<double>{900});
@@ -158,9 +175,7 @@ private Q_SLOTS:
 
     void weekendChildRatesFollowTheMask()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         const RateData data = RateData::load(t.db());
         // Friday: 160 + 55; Saturday: 200 + WChildRate2 65 (below WPax3 70).
         QCOMPARE(nights(data, 2, QDate(2025, 3, 7), QDate(2025, 3, 9), 2, 0, 1), (QList<double>{215, 265}));
@@ -179,9 +194,7 @@ private Q_SLOTS:
 
     void withinOneTypeTheRowReadLastWins()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         period(t.db(), 1, 1, 0, "1", QDate(2025, 3, 4), QDate(2025, 3, 4), {0, 90, 0, 0, 0}, {0, 90, 0, 0, 0});
         const RateData data = RateData::load(t.db());
         QCOMPARE(nights(data, 2, Monday, Monday.addDays(2), 2), (QList<double>{160, 180}));
@@ -189,9 +202,7 @@ private Q_SLOTS:
 
     void stayAcrossSeasonBoundaryAndPastTheLastPeriod()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         const RateData data = RateData::load(t.db());
         // Sunday 29 June (marked), Monday 30 June, Tuesday 1 July (second season).
         QCOMPARE(nights(data, 2, QDate(2025, 6, 29), QDate(2025, 7, 2), 2), (QList<double>{200, 160, 240}));
@@ -201,9 +212,7 @@ private Q_SLOTS:
 
     void otherSheetAndMealPlanHaveTheirOwnRows()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         period(t.db(), 1, 1, 7, "1", QDate(2025, 1, 1), QDate(2025, 12, 31), {0, 60, 0, 0, 0}, {0, 60, 0, 0, 0});
         const RateData data = RateData::load(t.db());
         QCOMPARE(nights(data, 2, Monday, Monday.addDays(1), 2, 0, 0, 7), QList<double>{120});
@@ -231,9 +240,7 @@ private Q_SLOTS:
         QFETCH(QDate, from);
         QFETCH(int, nightCount);
         QFETCH(double, total);
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         longStay(t.db(), 1, 0, 0, QDate(2025, 1, 1), QDate(2025, 3, 20), {7, 14, 0}, {10, 5, 0});
         const RateData data = RateData::load(t.db());
         StayRequest request;
@@ -246,9 +253,7 @@ private Q_SLOTS:
 
     void roomTypeLongStayRowReplacesTheGeneralOne()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         longStay(t.db(), 1, 0, 0, QDate(2025, 1, 1), QDate(2025, 12, 31), {7, 0, 0}, {10, 0, 0});
         longStay(t.db(), 2, 0, 2, QDate(2025, 1, 1), QDate(2025, 12, 31), {3, 0, 0}, {20, 0, 0});
         const RateData data = RateData::load(t.db());
@@ -277,9 +282,7 @@ private Q_SLOTS:
 
     void duplicateLongStayRowsAreAnError()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         longStay(t.db(), 1, 0, 1, QDate(2025, 1, 1), QDate(2025, 12, 31), {7, 0, 0}, {10, 0, 0});
         longStay(t.db(), 2, 0, 1, QDate(2025, 3, 1), QDate(2025, 3, 31), {7, 0, 0}, {15, 0, 0});
         const RateData data = RateData::load(t.db());
@@ -290,14 +293,9 @@ private Q_SLOTS:
 
     void fixedLengthPackages()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         // Per room type: 3 nights as a whole; the package's scheme gives way to the room type's.
-        package(t.db(), {1, "WEEK3", QDate(2025, 5, 1), QDate(2025, 8, 31), 3, "N", 3, "2"});
-        packageRT(t.db(), 51, 1, 1);
-        rateCode(t.db(), 10, "P", 51);
-        packageRate(t.db(), 1, 51, 0, {500, 400, 300, 250, 200});
+        writeWeek3(t.db(), "2");
         // Whole property: 3 nights as a whole.
         package(t.db(), {2, "BLOCK3", QDate(2025, 5, 1), QDate(2025, 8, 31), 3, "Y", 3, "1"});
         rateCode(t.db(), 11, "B", 2);
@@ -317,9 +315,7 @@ private Q_SLOTS:
 
     void perNightPackageRunsToItsEndThenRackRate()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         package(t.db(), {3, "JUNE", QDate(2025, 6, 1), QDate(2025, 6, 30), 1, "N", 2, "1"});
         packageRT(t.db(), 53, 3, 1);
         rateCode(t.db(), 12, "P", 53);
@@ -333,14 +329,9 @@ private Q_SLOTS:
 
     void packageExtensionCountsItsOwnNightsForLongStay()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         longStay(t.db(), 1, 0, 0, QDate(2025, 1, 1), QDate(2025, 12, 31), {3, 0, 0}, {50, 0, 0});
-        package(t.db(), {1, "WEEK3", QDate(2025, 5, 1), QDate(2025, 8, 31), 3, "N", 3, "1"});
-        packageRT(t.db(), 51, 1, 1);
-        rateCode(t.db(), 10, "P", 51);
-        packageRate(t.db(), 1, 51, 0, {500, 400, 300, 250, 200});
+        writeWeek3(t.db());
         const RateData data = RateData::load(t.db());
         const QDate monday(2025, 5, 5);
         // Four nights: one extension night, too short for the 3-night discount.
@@ -351,9 +342,7 @@ private Q_SLOTS:
 
     void packageChildrenUseThePackageRule()
     {
-        TestDatabase t;
-        insertSetup(t.db(), "N");
-        writeProperty(t.db());
+        PlainProperty t;
         package(t.db(), {2, "BLOCK3", QDate(2025, 5, 1), QDate(2025, 8, 31), 3, "Y", 3, "1"});
         rateCode(t.db(), 11, "B", 2);
         ChildRule child;
@@ -409,16 +398,6 @@ private Q_SLOTS:
         QCOMPARE(calculator.DailyRate(0), 0.0);
         QCOMPARE(calculator.DailyRate(3), 0.0);
         QCOMPARE(calculator.DailyRate(2), 160.0);
-    }
-
-    void ratesRTPaxIndexIsBounded()
-    {
-        RatesRT rate;
-        rate.setPax(5, 12.5);
-        QCOMPARE(rate.pax(5), 12.5);
-        QCOMPARE(rate.pax(0), 0.0);
-        QVERIFY_THROWS_EXCEPTION(std::out_of_range, rate.pax(6));
-        QVERIFY_THROWS_EXCEPTION(std::out_of_range, rate.setPax(-1, 1));
     }
 
     void childPolicyLabels()

@@ -1,8 +1,6 @@
 #include "rates/ratefixture.h"
 #include "rates/ratelists.h"
 #include "rates/roomrates.h"
-#include "shell/messages.h"
-#include "shell/strings.h"
 
 #include <QtTest>
 
@@ -10,13 +8,6 @@ using namespace fenlark;
 using namespace ratefixture;
 
 namespace {
-
-class RecordingSink : public MessageSink {
-public:
-    void show(const UserMessage &message) override { shown.append(message.text); }
-    bool ask(const UserMessage &) override { return false; }
-    QStringList shown;
-};
 
 // The fixture property with its packages:
 //  1 "WEEK3"  per room type 1 (bbprid 51, code 10), 3 nights, May-August, MinStay 3
@@ -128,42 +119,6 @@ private Q_SLOTS:
         QCOMPARE(offered[4].name, QString("BLOCK3"));
     }
 
-    void mealPlanCodes()
-    {
-        const MealPlanCodes codes;
-        QCOMPARE(codes.count(), 7);
-        QCOMPARE(codes.getMealPlan("3"), QString("B&B and Dinner"));
-        QCOMPARE(codes.getMealPlan("7"), QString("All Inclusive"));
-        QVERIFY(codes.getMealPlan("8").isEmpty());
-        QVERIFY(codes.getMealPlan("").isEmpty());
-        QCOMPARE(codes.at(0).first, QString("1"));
-
-        StringTable::instance().setLanguage(SpanishLanguage);
-        QCOMPARE(MealPlanCodes().getMealPlan("1"), QString("Alojamiento y desayuno"));
-        StringTable::instance().setLanguage(EnglishLanguage);
-        QCOMPARE(MealPlanCodes().getMealPlan("1"), QString("Bed & Breakfast"));
-    }
-
-    void currencyCodesByName()
-    {
-        TestDatabase t;
-        RecordingSink sink;
-        messages::setSink(&sink);
-        CurrencyCodes codes;
-        codes.initialise(t.db());
-        QCOMPARE(codes.count(), 13);
-        QCOMPARE(codes.getCurrencyCode(0), QString("AUD"));
-        QCOMPARE(codes.getCurrencyName(0), QString("Australian Dollar"));
-        const int rand = codes.getCurrencyIndex("ZAR");
-        QCOMPARE(codes.getCurrencyName(rand), QString("South African Rand"));
-        QCOMPARE(codes.getCurrencyIndex("XXX"), -1);
-        QVERIFY(sink.shown.isEmpty());
-        QVERIFY(codes.getCurrencyCode(13).isEmpty());
-        QCOMPARE(sink.shown, QStringList{"Incorrect index passed into getCurrencyCode(13)"});
-        QCOMPARE(codes.getCurrencyName(-1), QString("Error"));
-        messages::setSink(nullptr);
-    }
-
     void rateSheetListStartsWithRackThenNamesAsPeopleSortThem()
     {
         TestDatabase t;
@@ -186,16 +141,6 @@ private Q_SLOTS:
         QCOMPARE(rateSheetList(empty.db()).size(), std::size_t(1));
     }
 
-    void roomsAndRoomTypesInDisplayOrder()
-    {
-        TestDatabase t;
-        roomType(t.db(), 5, "Suite", "1", 2, "-------", 1);
-        roomType(t.db(), 3, "Family", "1", 4, "-------", 1);
-        const std::vector<RoomType> types = getRoomTypes(t.db());
-        QCOMPARE(types.size(), std::size_t(2));
-        QCOMPARE(types[0].RTName, QString("Family"));
-        QCOMPARE(types[1].AppliesTo, QString("-------"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestRoomRates)

@@ -14,6 +14,7 @@
 #include "shell/setuprecords.h"
 #include "support/testdatabase.h"
 
+#include <QSqlQuery>
 #include <QStringList>
 
 #include <initializer_list>
@@ -41,6 +42,11 @@ inline void setUpProperty(fenlark::Database &db, bool vatRegistered = true)
         db.execute(QStringLiteral("insert into room (BBRoomID, BBRTID, RoomName, OrderBy) values(?, 1, ?, ?)"),
                    {room, QStringLiteral("Room %1").arg(room), room});
 }
+
+// A fresh database holding the property above.
+struct PropertyDatabase : TestDatabase {
+    explicit PropertyDatabase(bool vatRegistered = true) { setUpProperty(db(), vatRegistered); }
+};
 
 inline qint32 addClient(fenlark::Database &db, const QString &surname, const QString &phone = {}, const QString &email = {})
 {
@@ -135,6 +141,16 @@ public:
 private:
     QStringList m_answers;
 };
+
+// The notes of the audit lines, oldest first.
+inline QStringList auditNotes(fenlark::Database &db)
+{
+    QStringList notes;
+    QSqlQuery q = db.query(QStringLiteral("select notes from audit order by rowid"));
+    while (q.next())
+        notes << q.value(0).toString();
+    return notes;
+}
 
 inline QVariant cell(fenlark::Database &db, const QString &sql, const QVariantList &values = {})
 {

@@ -17,18 +17,31 @@ void runGuarded(const std::function<void()> &action);
 // How many failures the guard has caught in this process (for tests).
 int guardedFailures();
 
+namespace detail {
+
+// Calls slot with the signal's arguments when it takes them, else with none.
+template <class Slot, class... Args>
+void callSlot(Slot &slot, Args &&...args)
+{
+    if constexpr (std::is_invocable_v<Slot &, Args...>)
+        std::invoke(slot, std::forward<Args>(args)...);
+    else
+        std::invoke(slot);
+}
+
+} // namespace detail
+
 // A slot for connect() that runs through runGuarded. It takes the signal's
-// arguments when the slot wants them, and none when it wants none.
+// arguments when the slot wants them, and none when it wants none. The
+// constraint lets connect() probe which arguments it takes without compiling
+// a call that cannot be made.
 template <class Slot>
 auto guarded(Slot slot)
 {
-    return [slot = std::move(slot)](auto &&...args) mutable {
-        runGuarded([&] {
-            if constexpr (std::is_invocable_v<Slot &, decltype(args)...>)
-                std::invoke(slot, std::forward<decltype(args)>(args)...);
-            else
-                std::invoke(slot);
-        });
+    return [slot = std::move(slot)](auto &&...args) mutable
+               requires std::is_invocable_v<Slot &, decltype(args)...> || std::is_invocable_v<Slot &>
+    {
+        runGuarded([&] { detail::callSlot(slot, std::forward<decltype(args)>(args)...); });
     };
 }
 
@@ -36,12 +49,7 @@ auto guarded(Slot slot)
 template <class Object, class Member>
 auto guarded(Object *object, Member member)
 {
-    return guarded([object, member](auto &&...args) {
-        if constexpr (std::is_invocable_v<Member, Object *, decltype(args)...>)
-            std::invoke(member, object, std::forward<decltype(args)>(args)...);
-        else
-            std::invoke(member, object);
-    });
+    return guarded(std::bind_front(member, object));
 }
 
 } // namespace fenlark

@@ -9,6 +9,7 @@
 #include "accounts/screens/ledgerdialogs.h"
 #include "accounts/screens/paymentdialogs.h"
 #include "shell/session.h"
+#include "support/givenreason.h"
 #include "support/moneyfixture.h"
 #include "support/recordingsink.h"
 
@@ -63,28 +64,6 @@ QStringList rowTexts(QTableView *view, int column)
     return texts;
 }
 
-QList<int> ids(const QList<UserMessage> &messages)
-{
-    QList<int> list;
-    for (const UserMessage &m : messages)
-        list << m.id;
-    return list;
-}
-
-void doubleClickRow(QTableView *view, int row)
-{
-    view->selectRow(row);
-    Q_EMIT view->doubleClicked(view->model()->index(row, 0));
-}
-
-class FakeReason : public ReasonPrompt {
-public:
-    FakeReason() { SecurityAudit::setPrompt(this); }
-    ~FakeReason() override { SecurityAudit::setPrompt(nullptr); }
-    std::optional<QString> askReason(const QString &, const QString &) override { return answer; }
-    std::optional<QString> answer = QStringLiteral("broken glass");
-};
-
 } // namespace
 
 class TestAccountScreens : public QObject {
@@ -133,29 +112,6 @@ private Q_SLOTS:
         reserved.cmdExtra();
         QCOMPARE(extrasOf, 0);
         QCOMPARE(sink.shown.last().id, 6655);
-    }
-
-    void theEditorOffersPaidOnceTheAccountIsSettled()
-    {
-        Desk d;
-        RecordingSink sink;
-        sink.answer = true;
-        const RateData rates = RateData::load(d.db());
-        ViewBooking editor(*d.session, rates);
-        QVERIFY(editor.load(d.booking.booking, 1));
-        qint32 opened = 0;
-        editor.moneyScreens.account = [&](QWidget *, qint32 account) {
-            opened = account;
-            NewPayment paid;
-            paid.accountId = account;
-            paid.amountText = "400";
-            QVERIFY(addPayment(d.db(), paid, clerk()));
-        };
-        editor.cmdAccount();
-        QCOMPARE(opened, d.booking.account);
-        QCOMPARE(ids(sink.asked), QList<int>{6636});
-        QCOMPARE(editor.cboStatus->currentData().toString(), QString("S"));
-        QVERIFY(editor.isDirty());
     }
 
     void theAccountScreenShowsItsItemsAndTotals()
@@ -217,9 +173,9 @@ private Q_SLOTS:
         };
         form.cmdPayments();
         QCOMPARE(startType, QString("Credit Card"));
-        QCOMPARE(ids(sink.shown), QList<int>{6623});
+        QCOMPARE(sink.shownIds(), QList<int>{6623});
         // Paid to the cent: the screen offered the invoice and made it.
-        QCOMPARE(ids(sink.asked), QList<int>{6799});
+        QCOMPARE(sink.askedIds(), QList<int>{6799});
         QCOMPARE(form.txtInvoice->text(), QString("100"));
         QCOMPARE(form.lblStatus->text(), QString("- Account is Closed -"));
         QCOMPARE(form.lblBalance->text(), QString("O/S: 0.00"));
@@ -241,7 +197,7 @@ private Q_SLOTS:
         QVERIFY(!form.cmdInvoiceButton->isEnabled());   // re-printing needs a document printer
 
         form.cmdOpenClose();
-        QCOMPARE(ids(sink.asked), (QList<int>{6790, 6614}));
+        QCOMPARE(sink.askedIds(), (QList<int>{6790, 6614}));
         QVERIFY(form.txtInvoice->text().isEmpty());
         QVERIFY(form.lblStatus->text().isEmpty());
         QCOMPARE(d.db().scalar("select count(*) from creditnote").toInt(), 1);
@@ -260,83 +216,12 @@ private Q_SLOTS:
         QCOMPARE(sink.asked.last().id, 6796);
     }
 
-    void closingByHandAndMovingAnItemNeedAnOpenAccount()
-    {
-        Desk d;
-        RecordingSink sink;
-        sink.answer = true;
-        AccountForm form(*d.session, d.booking.account);
-        QVERIFY(form.reload());
-        bool moverOpened = false;
-        form.moveItem = [&](QWidget *, const AccountItem &) {
-            moverOpened = true;
-            return std::optional<qint32>();
-        };
-        form.cmdOpenClose();
-        QCOMPARE(form.lblStatus->text(), QString("- Account is Closed -"));
-        QVERIFY(!form.cmdInvoiceButton->isEnabled());
-        form.openItem(0);
-        QVERIFY(!moverOpened);
-        QCOMPARE(sink.shown.last().id, 6709);
-    }
-
-    void movingTheLastItemAwayClosesTheScreen()
-    {
-        Desk d;
-        RecordingSink sink;
-        sink.answer = true;
-        AccountForm form(*d.session, d.booking.account);
-        QVERIFY(form.reload());
-        QString itemText;
-        bool otherAccountsOffered = true;
-        form.moveItem = [&](QWidget *parent, const AccountItem &item) -> std::optional<qint32> {
-            ClientAccounts mover(*d.session, d.booking.account, {AccountItemRef::Booking, item.id}, parent);
-            itemText = mover.lblItem->text();
-            otherAccountsOffered = mover.cmdAccountChangeButton->isEnabled();
-            mover.cmdNewAccount();
-            return mover.newAccountChosen() ? std::optional<qint32>(mover.newAccountID()) : std::nullopt;
-        };
-        form.openItem(0);
-        QVERIFY(itemText.startsWith(QStringLiteral("BkID %1").arg(d.booking.booking)));
-        QVERIFY(!otherAccountsOffered);   // the client has no other open account
-        QCOMPARE(ids(sink.asked), QList<int>{6768});
-        QCOMPARE(form.result(), int(QDialog::Accepted));
-        QCOMPARE(d.db().scalar("select status from account where bbaccountid = ?", {d.booking.account}).toString(), QString("C"));
-    }
-
-    void theCardLinkGoesToTheClipboard()
-    {
-        Desk d;
-        RecordingSink sink;
-        AccountForm form(*d.session, d.booking.account);
-        QVERIFY(form.reload());
-        form.cmdCreditCard();
-        QCOMPARE(sink.shown.last().id, 6691);   // not synchronised yet
-        d.db().execute("update booking set bookingid = 4711");
-        form.cmdCreditCard();
-        QCOMPARE(sink.shown.last().id, 6616);
-        QVERIFY(QApplication::clipboard()->text().endsWith("/moorgate/paymoorgate?bbid=20001&bookingid=4711"));
-    }
-
-    void theReferenceIsSavedFromTheScreen()
-    {
-        Desk d;
-        RecordingSink sink;
-        AccountForm form(*d.session, d.booking.account);
-        QVERIFY(form.reload());
-        form.txtReference->setText("Wedding party");
-        form.cmdSaveReference();
-        QCOMPARE(sink.shown.last().id, 6618);
-        QCOMPARE(d.db().scalar("select reference from account where bbaccountid = ?", {d.booking.account}).toString(),
-                 QString("Wedding party"));
-    }
-
     void anExtraAddedForARoomShowsOnItsListAndCanBeDeletedWithAReason()
     {
         Desk d;
         RecordingSink sink;
         sink.answer = true;
-        FakeReason reason;
+        GivenReason reason;
         Extras extras(*d.session, d.booking.legs[0]);
         QAbstractItemModelTester tester(extras.gdExtras->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         QCOMPARE(extras.lblHeading->text(), QStringLiteral("Guest Extras. Default A/C ID: %1 - Heron").arg(d.booking.account));
@@ -364,7 +249,7 @@ private Q_SLOTS:
         QVERIFY2(startsOnMain, "a room on its booking's account starts on the main account");
         QVERIFY(specialHidden);
         QCOMPARE(offeredPrice, QString("180.00"));   // the item's price is offered
-        QCOMPARE(ids(sink.shown), (QList<int>{6734, 6662, 6653}));
+        QCOMPARE(sink.shownIds(), (QList<int>{6734, 6662, 6653}));
         QCOMPARE(rowTexts(extras.gdExtras, 5), QStringList{"360.00"});
         QCOMPARE(extras.lblTotal->text(), QString("Total: 360.00"));
 
@@ -378,129 +263,6 @@ private Q_SLOTS:
         QVERIFY(d.db().scalar("select notes from audit").toString().endsWith("(broken glass)"));
     }
 
-    void anExtraOnAClosedAccountCannotBeChangedFromTheList()
-    {
-        Desk d;
-        RecordingSink sink;
-        addExtraRow(d.db(), d.booking.legs[0], d.booking.account, 1, 10);
-        d.db().execute("update account set status = 'C'");
-        Extras extras(*d.session, d.booking.legs[0]);
-        bool formOpened = false;
-        extras.extraForm = [&](QWidget *, qint32, qint32) { return formOpened = true; };
-        doubleClickRow(extras.gdExtras, 0);
-        QVERIFY(!formOpened);
-        QCOMPARE(sink.shown.last().id, 6738);
-        extras.gdExtras->selectRow(0);
-        extras.cmdDelete();
-        QCOMPARE(sink.shown.last().id, 6640);
-    }
-
-    void theExtraFormOffersANewRoomAccountWhenTheMainOneIsClosed()
-    {
-        Desk d;
-        RecordingSink sink;
-        d.db().execute("update account set status = 'C'");
-        ExtraForm form(*d.session, d.booking.legs[0], 0);
-        QVERIFY(form.load());
-        QVERIFY(!form.opMainAccount->isEnabled());
-        QVERIFY(form.opGuestAccount->isChecked());
-        QVERIFY(form.opGuestAccount->text().contains("a new account"));
-        form.cboStock->setCurrentIndex(0);
-        form.txtQty->setText("1");
-        form.txtPrice->setText("12.50");
-        form.cmdSave();
-        QCOMPARE(form.result(), int(QDialog::Accepted));
-        QVERIFY(d.db().scalar("select bbaccountid from guest where bbguestid = ?", {d.booking.legs[0]}).toInt() != d.booking.account);
-    }
-
-    void aPaymentFromTheLedgerIsAllocatedToAnAccount()
-    {
-        Desk d;
-        RecordingSink sink;
-        ClientTranForm entry(*d.session, d.client);
-        QVERIFY(!entry.txtVAT->isHidden());
-        entry.cboTranType->setCurrentText("PMT");
-        QVERIFY(entry.txtVAT->isHidden());
-        QVERIFY(!entry.cboPaymentType->isHidden());
-        entry.txtAmount->setText("150");
-        entry.cmdSave();
-        QVERIFY(entry.NewData());
-        const qint32 payment = d.db().scalar("select bbpaymentid from payment").toInt();
-
-        PaymentTranEdit edit(*d.session, d.client, payment);
-        QVERIFY(edit.load());
-        QCOMPARE(edit.cboAccounts->count(), 2);
-        QCOMPARE(edit.cboAccounts->currentData().toInt(), 0);
-        QCOMPARE(edit.lblAmount->text(), QString("150.00"));
-        edit.cboAccounts->setCurrentIndex(1);
-        edit.cmdSave();
-        QVERIFY(edit.dataChanged());
-        QCOMPARE(d.db().scalar("select bbaccountid from payment").toInt(), d.booking.account);
-    }
-
-    void theLedgerSearchListsWhatItFinds()
-    {
-        Desk d;
-        RecordingSink sink;
-        LedgerEntry journal;
-        journal.clientId = d.client;
-        journal.tranType = "JNL";
-        journal.date = QDate(2031, 2, 1);
-        journal.amountText = "25";
-        journal.reference = "Fix";
-        QVERIFY(addLedgerEntry(d.db(), journal, clerk(), VatRules()));
-        ClientTranSearch search;
-        search.cboTranType->setCurrentText("JNL");
-        search.ckStart->setChecked(true);
-        search.dpStart->setDate(QDate(2031, 1, 1));
-        const auto rows = searchLedger(d.db(), search.search());
-        QCOMPARE(rows->size(), std::size_t(1));
-        ClientTranList list;
-        QAbstractItemModelTester tester(list.gdTransactions->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        qint32 edited = 0;
-        list.editClient = [&](QWidget *, qint32 client) { edited = client; };
-        list.setRows(*rows);
-        QCOMPARE(rowTexts(list.gdTransactions, 4), QStringList{QStringLiteral("(%1) Heron").arg(d.client)});
-        doubleClickRow(list.gdTransactions, 0);
-        QCOMPARE(edited, d.client);
-    }
-
-    void theAccountsListOpensAnAccountAndSaysWhenNothingIsFound()
-    {
-        Desk d;
-        RecordingSink sink;
-        AccountSearch search;
-        search.txtSurname->setText("her");
-        AccountsList list(*d.session, search.criteria());
-        QAbstractItemModelTester tester(list.gdAccounts->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QVERIFY(list.load());
-        QCOMPARE(rowTexts(list.gdAccounts, 3), QStringList{"Uninvoiced"});
-        qint32 opened = 0;
-        list.openAccount = [&](QWidget *, qint32 account) { opened = account; };
-        doubleClickRow(list.gdAccounts, 0);
-        QCOMPARE(opened, d.booking.account);
-
-        search.cboStatus->setCurrentIndex(1);
-        AccountsList none(*d.session, search.criteria());
-        QVERIFY(!none.load());
-        QCOMPARE(sink.shown.last().id, 6694);
-    }
-
-    void theStatementGoesToTheClipboardAndAWorkbook()
-    {
-        Desk d;
-        RecordingSink sink;
-        QVERIFY(ClientStatement::initialise(*d.session, d.client, [](const QString &) { return true; }).isEmpty());
-        QCOMPARE(sink.shown.last().id, 6703);
-        NewPayment paid;
-        paid.accountId = d.booking.account;
-        paid.amountText = "100";
-        QVERIFY(addPayment(d.db(), paid, clerk()));
-        const QString path = ClientStatement::initialise(*d.session, d.client, [](const QString &) { return false; });
-        QVERIFY(QFileInfo::exists(path));
-        QCOMPARE(sink.shown.last().id, 6771);   // no program opened it: the desk says where it is
-        QVERIFY(QApplication::clipboard()->text().startsWith("Statement for: Heron"));
-    }
 };
 
 QTEST_MAIN(TestAccountScreens)

@@ -8,8 +8,10 @@
 #include "clients/clientrecords.h"
 #include "clients/screens/sourcelist.h"
 #include "shell/errorlog.h"
+#include "support/databasedump.h"
 #include "support/guitestmain.h"
 #include "support/recordingsink.h"
+#include "support/screenbooking.h"
 #include "support/screendesk.h"
 
 #include <QCheckBox>
@@ -30,15 +32,6 @@ using namespace fenlark;
 namespace {
 
 const QDate Arrival(2031, 7, 1);
-
-qint32 bookRooms(ScreenDesk &desk, std::vector<qint32> rooms, const QString &surname = QStringLiteral("Heron"),
-                 QDate arrival = Arrival, int nights = 3)
-{
-    ConfirmBooking dialog(*desk.session, desk.rates, rooms, arrival, nights);
-    dialog.clientSearch->txtSurname->setText(surname);
-    dialog.cmdOK();
-    return dialog.saved().BBBookingID;
-}
 
 qint32 addClient(Database &db, const QString &surname, const QString &email = {}, qint16 rateSheet = 0)
 {
@@ -64,28 +57,13 @@ QSpinBox *countBox(ConfirmBooking &dialog, int row, int column)
 // The whole content of the tables a booking touches, to show that nothing changed.
 QString bookingTables(Database &db)
 {
-    QString all;
-    for (const char *table : {"booking", "guest", "dailyrate", "account", "client", "dblog", "audit"}) {
-        QSqlQuery q = db.query(QStringLiteral("select * from ") + QLatin1String(table));
-        while (q.next())
-            for (int c = 0; c < q.record().count(); ++c)
-                all += q.value(c).toString() + QLatin1Char('|');
-        all += QLatin1Char('\n');
-    }
-    return all;
+    return dumpDatabase(db.connection());
 }
 
 void injectFailure(Database &db, const char *table)
 {
     db.execute(QStringLiteral("create trigger injected_failure before insert on %1 begin select raise(abort, 'disk full'); end")
                    .arg(QLatin1String(table)));
-}
-
-void click(QWidget &dialog, const char *button)
-{
-    QPushButton *b = dialog.findChild<QPushButton *>(QLatin1String(button));
-    QVERIFY(b);
-    QTest::mouseClick(b, Qt::LeftButton);
 }
 
 } // namespace
@@ -161,24 +139,6 @@ private Q_SLOTS:
         sink.answers = {true, true};
         dialog.cmdOK();
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    }
-
-    void aDoubleClickOnAClientPicksItAndSavesNothing()
-    {
-        RecordingSink sink;
-        ScreenDesk desk;
-        addClient(desk.db(), QStringLiteral("Zwaan"));
-        ConfirmBooking dialog(*desk.session, desk.rates, {1}, Arrival, 2);
-        dialog.show();
-        dialog.clientSearch->txtSurname->setText(QStringLiteral("Zwa"));
-        QTableView *grid = dialog.clientSearch->gdClient;
-        QCOMPARE(grid->model()->rowCount(), 1);
-        const QString before = bookingTables(desk.db());
-        const QRect cell = grid->visualRect(grid->model()->index(0, 1));
-        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell.center());
-        QVERIFY(dialog.clientSearch->MadeBy() > 0);
-        QVERIFY(dialog.isVisible());
-        QCOMPARE(bookingTables(desk.db()), before);
     }
 
     void aFailingStatementLeavesTheNewBookingScreenOpenAndNothingWritten()
@@ -288,21 +248,6 @@ private Q_SLOTS:
                  QStringLiteral("X"));
     }
 
-    void editorShowsTheLocalKeyAndTheServerNumber()
-    {
-        RecordingSink sink;
-        ScreenDesk desk;
-        const qint32 id = bookRooms(desk, {1});
-        ViewBooking editor(*desk.session, desk.rates);
-        QVERIFY(editor.load(id, 1));
-        QCOMPARE(labelText(editor, "lblBookingID"), QString::number(id));
-        QCOMPARE(labelText(editor, "lblServerNo"), QStringLiteral("not yet sent"));
-        desk.db().execute(QStringLiteral("update booking set BookingID = 151 where BBBookingID = ?"), {id});
-        QVERIFY(editor.load(id, 1));
-        QCOMPARE(labelText(editor, "lblBookingID"), QString::number(id));
-        QCOMPARE(labelText(editor, "lblServerNo"), QStringLiteral("151"));
-    }
-
     void aFailingStatementLeavesTheEditorOpenOnSaveAndSplit()
     {
         RecordingSink sink;
@@ -329,34 +274,6 @@ private Q_SLOTS:
         QVERIFY(editor.isVisible());
         QCOMPARE(bookingTables(desk.db()), before);
         QCOMPARE(desk.db().transactionDepth(), 0);
-    }
-
-    void aSplitGivesEachBookingTheDepositOfItsOwnTotal()
-    {
-        RecordingSink sink;
-        sink.answer = true;
-        ScreenDesk desk;
-        const qint32 id = bookRooms(desk, {1, 6});
-        ViewBooking editor(*desk.session, desk.rates);
-        QVERIFY(editor.load(id, 6));
-        editor.cmdSplit();
-        const qint32 split = editor.edit().BBBookingID;
-        QVERIFY(split != id);
-        const auto depositOf = [&desk](qint32 booking) {
-            return desk.db().scalar(QStringLiteral("select Deposit from booking where BBBookingID = ?"), {booking}).toDouble();
-        };
-        const auto totalOf = [&desk](qint32 booking) {
-            double total = 0;
-            QSqlQuery q = desk.db().query(QStringLiteral("select RoomRate from dailyrate where BBBookingID = ?"), {booking});
-            while (q.next())
-                total += q.value(0).toDouble();
-            return total;
-        };
-        const double pct = desk.session->setup().DepositPct / 100.0;
-        QVERIFY(totalOf(id) != totalOf(split));
-        QCOMPARE(depositOf(id), pct * totalOf(id));
-        QCOMPARE(depositOf(split), pct * totalOf(split));
-        QVERIFY(desk.published.bookings().contains(id) && desk.published.bookings().contains(split));
     }
 
     void reservedNeedsTheRightAndUnavailableClearsAdults()
@@ -420,150 +337,6 @@ private Q_SLOTS:
         editor.cmdGuest2del();
         QCOMPARE(editor.edit().BBClient2ID, 0);
         QVERIFY(editor.isDirty());
-    }
-
-    void viewButtonsOpenTheClientEditorAndTakeAClientItMade()
-    {
-        ScreenDesk desk;
-        Database &db = desk.db();
-        const qint32 id = bookRooms(desk, {1});
-        ViewBooking editor(*desk.session, desk.rates);
-        QVERIFY(editor.load(id, 1));
-        const qint32 guest = editor.edit().BBClientID;
-        auto *viewGuest2 = editor.findChild<QPushButton *>(QStringLiteral("cmdGuest2"));
-        QVERIFY(editor.findChild<QPushButton *>(QStringLiteral("cmdMadeBy"))->isEnabled());
-        QVERIFY(editor.findChild<QPushButton *>(QStringLiteral("cmdGuest1"))->isEnabled());
-        QVERIFY(!viewGuest2->isEnabled());   // no second guest to show
-
-        QList<qint32> opened;
-        qint32 saved = 0;
-        editor.choosers.editClient = [&](QWidget *, qint32 client) {
-            opened << client;
-            return saved;
-        };
-        editor.cmdGuest1();   // cancelled in the editor
-        QCOMPARE(opened, QList<qint32>{guest});
-        QVERIFY(!editor.isDirty());
-        saved = guest;        // saved in place: the booking keeps its guest
-        editor.cmdMadeBy();
-        QVERIFY(!editor.isDirty());
-        saved = addClient(db, QStringLiteral("Split"));   // saved as a new client
-        editor.cmdGuest1();
-        QCOMPARE(editor.edit().BBClientID, saved);
-        QCOMPARE(labelText(editor, "outGuest"), QStringLiteral("Split"));
-        QVERIFY(editor.isDirty());
-        QCOMPARE(opened.size(), 3);
-    }
-
-    void sourceListPicksAndCommissionFollowsTheSource()
-    {
-        RecordingSink sink;
-        ScreenDesk desk;
-        Database &db = desk.db();
-        const qint32 older = bookRooms(desk, {1, 2});
-        db.execute(QStringLiteral("update booking set source = 'Agent', agentcomm = 15 where bbbookingid = ?"), {older});
-
-        SourceList list(db, QStringLiteral("Ag"));
-        QCOMPARE(list.gdSources->rowCount(), 1);
-        list.pickRow(0);
-        QCOMPARE(list.getSource(), QStringLiteral("Agent"));
-        QCOMPARE(list.result(), int(QDialog::Accepted));
-        SourceList typed(db, QString());
-        typed.txtNewSource->setText(QStringLiteral("Fair"));
-        typed.cmdAdd->click();
-        QCOMPARE(typed.getSource(), QStringLiteral("Fair"));
-        typed.cmdExit->click();
-        QVERIFY(typed.getSource().isEmpty());
-
-        const qint32 second = bookRooms(desk, {3}, QStringLiteral("Heron"), Arrival.addDays(10), 2);
-        ViewBooking editor(*desk.session, desk.rates);
-        QVERIFY(editor.load(second, 3));
-        QString typedText;
-        editor.choosers.source = [&typedText](QWidget *, const QString &typed) {
-            typedText = typed;
-            return QStringLiteral("Agent");
-        };
-        editor.txtSource->setText(QStringLiteral("Ag"));
-        editor.cmdSources();
-        QCOMPARE(typedText, QStringLiteral("Ag"));
-        QCOMPARE(editor.txtSource->text(), QStringLiteral("Agent"));
-        QCOMPARE(editor.txtAgentComm->text().toDouble(), 15.0);
-        QVERIFY(editor.isDirty());
-
-        editor.txtSource->clear();
-        editor.txtAgentComm->setText(QStringLiteral("4"));   // a commission of its own stays
-        editor.txtSource->setText(QStringLiteral("Agent"));
-        QCOMPARE(editor.txtAgentComm->text(), QStringLiteral("4"));
-    }
-
-    void viewRoomsListsTheLegsAndSwitchesTheEditor()
-    {
-        RecordingSink sink;
-        ScreenDesk desk;
-        Database &db = desk.db();
-        const qint32 id = bookRooms(desk, {1, 2});
-
-        ViewRooms rooms(db, id);
-        QVERIFY(rooms.initialise());
-        QCOMPARE(rooms.gdRooms->rowCount(), 2);
-        const int row = rooms.gdRooms->item(0, 0)->text() == desk.session->property().RoomName(2) ? 0 : 1;
-        QCOMPARE(rooms.gdRooms->item(row, 2)->text(), QStringLiteral("2"));
-        rooms.pickRow(row);
-        QCOMPARE(rooms.selectedRoomid(), 2);
-        ViewRooms none(db, id + 100);
-        QVERIFY(!none.initialise());
-        QCOMPARE(sink.lastShownId(), 5923);
-
-        ViewBooking editor(*desk.session, desk.rates);
-        QVERIFY(editor.load(id, 1));
-        qint32 pick = 2;
-        editor.choosers.room = [&pick](QWidget *, qint32) { return pick; };
-        editor.cmdViewRooms();
-        QCOMPARE(editor.edit().loadedRoomId, 2);
-        QCOMPARE(editor.lblRoomName->text(), desk.session->property().RoomName(2));
-        QVERIFY(!editor.isDirty());
-
-        db.execute(QStringLiteral("update guest set bbclientid = 0 where bbbookingid = ? and bbroomid = 1"), {id});
-        pick = 1;
-        editor.cmdViewRooms();
-        QCOMPARE(sink.lastShownId(), 5925);
-        QCOMPARE(editor.edit().loadedRoomId, 2);
-    }
-
-    void checkInsListTodaysLegsAndOpenThem()
-    {
-        RecordingSink sink;
-        ScreenDesk desk;
-        Database &db = desk.db();
-        const QDate today = QDate::currentDate();
-        const int listed = static_cast<int>(legsOfTheDay(db, StayEnd::Arrivals, today).size());
-
-        std::vector<std::pair<qint32, qint32>> opened;
-        CheckInOut arrivals(*desk.session, StayEnd::Arrivals, [&](qint32 b, qint32 r) { opened.emplace_back(b, r); });
-        QCOMPARE(arrivals.windowTitle(), QStringLiteral("Check-Ins"));
-        arrivals.fill();
-        QCOMPARE(arrivals.gdBookings->rowCount(), listed);
-        QVERIFY(arrivals.gdBookings->isColumnHidden(0) && arrivals.gdBookings->isColumnHidden(1));
-
-        // A booking made today for today shows once the list is filled again after the editor.
-        db.execute("insert into client (Surname) values ('Plover')");
-        const qint64 client = db.lastInsertId();
-        db.execute("insert into booking (FromDate, ToDate, Status, MadeBy) values (?,?,'U',?)",
-                   {sqlDate(today), sqlDate(today.addDays(1)), client});
-        const qint64 booking = db.lastInsertId();
-        db.execute("insert into guest (BBBookingID, BBRoomID, BBClientID) values (?, 12, ?)", {booking, client});
-        if (listed > 0) {
-            arrivals.openRow(0);
-            QCOMPARE(opened.size(), size_t(1));
-        } else {
-            arrivals.fill();
-        }
-        QCOMPARE(arrivals.gdBookings->rowCount(), listed + 1);
-        const QList<QTableWidgetItem *> found = arrivals.gdBookings->findItems(QStringLiteral("Plover"), Qt::MatchContains);
-        QCOMPARE(found.size(), 1);
-        arrivals.openRow(found.first()->row());
-        QCOMPARE(opened.back(), (std::pair<qint32, qint32>(qint32(booking), 12)));
-        QVERIFY(sink.shown.isEmpty());
     }
 
     void doubleBookingsHoldTheDeskUntilRepairedOrLeft()
