@@ -3,55 +3,26 @@
 // non-zero exit and nothing written.
 #include "reportfixture.h"
 #include "shell/preferences.h"
+#include "support/ctlrun.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QtTest>
 
 using namespace fenlark;
-
-namespace {
-
-struct Run {
-    int exitCode = -1;
-    QJsonObject json;
-    QString errors;
-};
-
-} // namespace
 
 class TestReportVerb : public QObject {
     Q_OBJECT
 
 private:
-    QString m_ctl;
     std::unique_ptr<TestDatabase> m_t;
 
-    Run ctl(QStringList arguments)
-    {
-        arguments << QStringLiteral("--home") << m_t->home() << QStringLiteral("--db") << m_t->db().path();
-        QProcess process;
-        process.start(m_ctl, arguments);
-        process.waitForFinished(120000);
-        Run run;
-        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        run.json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
-        run.errors = QString::fromUtf8(process.readAllStandardError()).trimmed();
-        return run;
-    }
+    CtlRun ctl(const QStringList &arguments) { return runCtl(m_t->home(), m_t->db().path(), arguments); }
 
     QString out(const QString &name) const { return m_t->file(name); }
     QStringList filesIn(const QString &folder) { return QDir(m_t->file(folder)).entryList(QDir::Files); }
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_ctl = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../fenlarkctl"));
-        if (!QFileInfo(m_ctl).isExecutable())
-            QSKIP("fenlarkctl is not built");
-    }
+    void initTestCase() { FENLARK_REQUIRE_CTL(); }
 
     void init()
     {
@@ -61,7 +32,7 @@ private Q_SLOTS:
 
     void reportGoesToTheFileAndSaysWhatItWrote()
     {
-        const Run run = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
+        const CtlRun run = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
                              QStringLiteral("2026-03-01"), QStringLiteral("--to"), QStringLiteral("2026-03-31"),
                              QStringLiteral("--out"), out(QStringLiteral("payments.tsv"))});
         QCOMPARE(run.exitCode, 0);
@@ -75,7 +46,7 @@ private Q_SLOTS:
         QCOMPARE(lines.first(), QStringLiteral("Payments Report between 01/03/2026 and 31/03/2026"));
         QCOMPARE(lines.at(lines.size() - 2), QStringLiteral("\t\t\t2200.00"));
 
-        const Run workbook = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
+        const CtlRun workbook = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
                                   QStringLiteral("2026-03-01"), QStringLiteral("--to"), QStringLiteral("2026-03-31"),
                                   QStringLiteral("--out"), out(QStringLiteral("payments.XLSX"))});
         QCOMPARE(workbook.exitCode, 0);
@@ -86,7 +57,7 @@ private Q_SLOTS:
 
     void calendarPrintoutTakesAndRemembersItsOrientation()
     {
-        const Run run = ctl({QStringLiteral("report"), QStringLiteral("1"), QStringLiteral("--orientation"),
+        const CtlRun run = ctl({QStringLiteral("report"), QStringLiteral("1"), QStringLiteral("--orientation"),
                              QStringLiteral("l"), QStringLiteral("--from"), QStringLiteral("2026-03-09"),
                              QStringLiteral("--out"), out(QStringLiteral("calendar.tsv"))});
         QCOMPARE(run.exitCode, 0);
@@ -139,7 +110,7 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, message);
-        const Run run = ctl(QStringList{QStringLiteral("report")} + arguments +
+        const CtlRun run = ctl(QStringList{QStringLiteral("report")} + arguments +
                             QStringList{QStringLiteral("--out"), out(QStringLiteral("refused.tsv"))});
         QVERIFY(run.exitCode != 0);
         QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
@@ -154,7 +125,7 @@ private Q_SLOTS:
             QStringList arguments{QStringLiteral("report"), QStringLiteral("2")};
             if (!name.isEmpty())
                 arguments << QStringLiteral("--out") << out(name);
-            const Run run = ctl(arguments);
+            const CtlRun run = ctl(arguments);
             QVERIFY(run.exitCode != 0);
             QVERIFY2(run.errors.contains(QStringLiteral("--out must name a .xlsx or .tsv file")), qPrintable(run.errors));
         }
@@ -162,14 +133,14 @@ private Q_SLOTS:
 
     void aFileThatCannotBeWrittenIsRefused()
     {
-        const Run run = ctl({QStringLiteral("report"), QStringLiteral("2"), QStringLiteral("--out"),
+        const CtlRun run = ctl({QStringLiteral("report"), QStringLiteral("2"), QStringLiteral("--out"),
                              out(QStringLiteral("test.db/summary.xlsx"))});
         QVERIFY(run.exitCode != 0);
         QVERIFY2(run.errors.contains(QStringLiteral("The report could not be written to")), qPrintable(run.errors));
     }
     void proFormaIsWrittenIntoTheInvoiceFolderOrTheFolderGiven()
     {
-        Run run = ctl({"document", "--account", "3", "--type", "P"});
+        CtlRun run = ctl({"document", "--account", "3", "--type", "P"});
         QCOMPARE(run.exitCode, 1);
         QVERIFY(run.errors.contains("has no pro forma number yet"));
 
@@ -205,7 +176,7 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, message);
-        const Run run = ctl(arguments);
+        const CtlRun run = ctl(arguments);
         QVERIFY(run.exitCode != 0);
         QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
         QVERIFY(filesIn("invoices").isEmpty());
@@ -214,7 +185,7 @@ private Q_SLOTS:
 
     void lettersPrintTheBookingsRooms()
     {
-        Run run = ctl({"letter", "--booking", "2", "--kind", "registration", "--other-rooms"});
+        CtlRun run = ctl({"letter", "--booking", "2", "--kind", "registration", "--other-rooms"});
         QCOMPARE(run.exitCode, 0);
         const int rooms = m_t->db().scalar("select count(*) from guest where bbbookingid = ?", {2}).toInt();
         QCOMPARE(run.json.value("files").toArray().size(), rooms);
@@ -234,7 +205,7 @@ private Q_SLOTS:
     void lettersWithoutLibreOfficeAreWrittenAndTheMissingPdfIsSaid()
     {
         qputenv("FENLARK_SOFFICE", "/nonexistent/soffice");
-        const Run run = ctl({"letter", "--booking", "2", "--kind", "confirmation", "--pdf"});
+        const CtlRun run = ctl({"letter", "--booking", "2", "--kind", "confirmation", "--pdf"});
         qunsetenv("FENLARK_SOFFICE");
         QCOMPARE(run.exitCode, 3);
         QVERIFY(run.errors.contains("needs LibreOffice"));
