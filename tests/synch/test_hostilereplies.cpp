@@ -128,9 +128,19 @@ QByteArray clientWith(const QByteArray &column, const QByteArray &value, const Q
         + ",\"Surname\":\"Hostile\",\"" + column + "\":" + value + "}}]";
 }
 
+// gcc says so with a macro, clang through __has_feature.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define FENLARK_ASAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define FENLARK_ASAN 1
+#endif
+
 bool builtWithAddressSanitizer()
 {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(FENLARK_ASAN)
     return true;
 #else
     return false;
