@@ -1,4 +1,4 @@
-// Money on the generated property (40 rooms, ten years), given the ledger rows
+// Money on the generated property (of the size chosen in generatedproperty.h), given the ledger rows
 // of its payments and invoices for its settled accounts of the last two years.
 //   BM_MatchTransactions            matching a client with 10,000 ledger rows, flags already right
 //   BM_MatchTransactionsFromScratch the same with every flag wrong first

@@ -1,4 +1,4 @@
-// Taking and changing bookings on a generated property (40 rooms, three years).
+// Taking and changing bookings on a generated property (of the size chosen in generatedproperty.h).
 //   BM_NewBooking   a 3-room, 7-night booking saved end to end: head, client, legs,
 //                   priced nights, account, audit
 //   BM_OpenEditor   what the editor reads on opening a leg

@@ -1,7 +1,9 @@
-// The calendar's cost on a large property: 40 rooms, ten years of stays.
+// The calendar's cost on a property of the chosen size (generatedproperty.h): its
+// rooms and years of stays back to back, one guest per booking.
 //   BM_FirstDraw   fillCache + grid build of a 60-day window from an empty cache
 //   BM_MoveWeek    the window moved on by one week (only the seven new days read)
 //   BM_BareScan    the same rows as the first draw, read by a plain query
+#include "generatedproperty.h"
 #include "shell/calendargrid.h"
 #include "shell/home.h"
 #include "shell/session.h"
@@ -17,10 +19,12 @@ using namespace fenlark;
 
 namespace {
 
-constexpr int Rooms = 40;
+const int Rooms = bench::propertySize().rooms;
+// 5,000 clients on the small property, growing with its rooms and years.
+const int Clients = 5000 * Rooms / 40 * bench::propertySize().years / 10;
 constexpr int WindowDays = 60;
 const QDate PropertyStart(2016, 1, 1);
-const QDate PropertyEnd(2026, 1, 1);
+const QDate PropertyEnd = PropertyStart.addYears(bench::propertySize().years);
 const QDate WindowStart(2021, 6, 7);
 
 struct Property {
@@ -38,7 +42,7 @@ struct Property {
             for (int r = 1; r <= Rooms; ++r)
                 db->execute("insert into room (BBRoomID, BBRTID, RoomName, OrderBy) values(?, 1, ?, ?)",
                             {r, QString("Room %1").arg(r), r});
-            for (int c = 1; c <= 5000; ++c)
+            for (int c = 1; c <= Clients; ++c)
                 db->execute("insert into client (BBClientID, FirstName, Surname) values(?, ?, ?)",
                             {c, QString("First%1").arg(c), QString("Surname%1").arg(c)});
             const char *statuses[] = {"C", "C", "C", "S", "W", "P", "O"};
@@ -52,9 +56,9 @@ struct Property {
                     db->execute("insert into booking (BBBookingID, BookingType, FromDate, ToDate, Status, MadeBy) "
                                 "values(?, 'N', ?, ?, ?, ?)",
                                 {id, sqlDate(d), sqlDate(d.addDays(nights)), QString(statuses[random.bounded(7)]),
-                                 1 + random.bounded(5000)});
+                                 1 + random.bounded(Clients)});
                     db->execute("insert into guest (BBBookingID, BBRoomID, BBClientID, NoAdults, Child1) values(?, ?, ?, 2, ?)",
-                                {id, r, 1 + random.bounded(5000), random.bounded(2)});
+                                {id, r, 1 + random.bounded(Clients), random.bounded(2)});
                     d = d.addDays(nights);
                 }
             }

@@ -1,5 +1,5 @@
 // The client search and the account balance on a table of 200,000 clients;
-// and on the generated property (40 rooms, ten years) grown to 200,000 clients:
+// and on the generated property (of the size chosen in generatedproperty.h) grown to 200,000 clients:
 //   BM_RetireClientWith500Bookings   a client whose 500 bookings, their rooms,
 //                                    accounts and 1,000 ledger rows all move
 //   BM_HistoryOfClientWith500Bookings   the history list of such a client

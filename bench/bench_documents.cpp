@@ -1,4 +1,4 @@
-// Documents on the generated 40-room, 10-year property: an invoice of a 3-room,
+// Documents on the generated property: an invoice of a 3-room,
 // 14-night booking with 20 extras made from the template and saved as .xlsx, and a
 // Registration letter. Each iteration does what the desk does on a click: reads the
 // rate names, gathers the document, fills the template and writes the file.

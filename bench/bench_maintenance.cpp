@@ -1,6 +1,6 @@
-// Keeping bookings on the generated property (40 rooms, ten years of bookings).
+// Keeping bookings on the generated property (of the size chosen in generatedproperty.h).
 //   BM_StatusSearch        the booking search by a status alone, every row filled
-//   BM_Occupancy           occupancy of every room over the ten years, by rooms and by beds
+//   BM_Occupancy           occupancy of every room over all its years, by rooms and by beds
 //   BM_QuickQuote          a 7-night quick quote over every room type, the calendar read first
 //   BM_CancellationsList   the newest 2000 of 20,000 cancelled rooms, with their dates and clients
 //   BM_Swap                two rooms exchange their guests (one write transaction)

@@ -1,4 +1,4 @@
-// Reports on the generated property (40 rooms, ten years of bookings).
+// Reports on the generated property (of the size chosen in generatedproperty.h).
 //   BM_BookingSummaryYearToXlsx  a year's Booking Summary read, laid out and saved as .xlsx
 //   BM_BookingSummaryYearLayout  the same without the file: reading and laying out alone
 //   BM_PaymentsYearToXlsx        a year's payments with the related bookings of each account

@@ -1,5 +1,5 @@
 // The new-booking screen prices the stay again at every change of a rate or a head
-// count; a 3-room, 14-night stay on a generated property (40 rooms, ten years).
+// count; a 3-room, 14-night stay on a generated property (of the size chosen in generatedproperty.h).
 //   BM_RepriceAsAdultsChange   the core's quote as one room's adults go 1, 2, 3, 4
 //   BM_RepriceAsRateChanges    the same as one room's rate goes through those offered
 //   BM_RepriceOnScreen         the screen's own slot: a head count typed, the quote,

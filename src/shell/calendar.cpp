@@ -4,6 +4,7 @@
 #include "shell/displaynames.h"
 #include "shell/messages.h"
 #include "shell/record.h"
+#include "shell/stayoverlap.h"
 #include "shell/strings.h"
 #include "shell/textformat.h"
 
@@ -59,8 +60,8 @@ bool Calendar::fillCache(Database &db, QDate from, QDate to)
         return false;
 
     ++m_queries;
-    QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where booking.ToDate > ? and booking.FromDate <= ?"),
-                           {sqlDate(first), sqlDate(last)});
+    QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where ") + stayOverlapSql(QStringLiteral("booking")),
+                           stayOverlapValues(first, last));
     readRows(q, from, to, false);
     return true;
 }
@@ -146,9 +147,9 @@ void Calendar::refresh(Database &db, const Changes &changes)
         for (QDate d = first; d <= last; d = d.addDays(1))
             m_cells.remove(Key{d.toJulianDay(), room});
         ++m_queries;
-        QSqlQuery q = db.query(BookingCellsSql
-                                   + QStringLiteral("where booking.ToDate > ? and booking.FromDate <= ? and guest.BBRoomID = ?"),
-                               {sqlDate(first), sqlDate(last), room});
+        QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where ") + stayOverlapSql(QStringLiteral("booking"))
+                                   + QStringLiteral(" and guest.BBRoomID = ?"),
+                               stayOverlapValues(first, last) << room);
         readRows(q, first, last, true);
     }
 }

@@ -548,6 +548,23 @@ QVariant sqlDateTime(const QDateTime &dateTime)
 QDate dateFromSql(const QVariant &value)
 {
     const QString text = value.toString();
+    // Every list and grid reads dates by the thousand, and QDate::fromString
+    // interprets its format each time; a plain yyyy-MM-dd is read directly.
+    if (text.size() >= 10 && text[4] == QLatin1Char('-') && text[7] == QLatin1Char('-')) {
+        const auto digits = [&text](int from, int count) {
+            int n = 0;
+            for (int i = from; i < from + count; ++i) {
+                const char16_t c = text[i].unicode();
+                if (c < u'0' || c > u'9')
+                    return -1;
+                n = n * 10 + (c - u'0');
+            }
+            return n;
+        };
+        const int year = digits(0, 4), month = digits(5, 2), day = digits(8, 2);
+        if (year > 0 && month >= 0 && day >= 0)
+            return QDate(year, month, day);
+    }
     return QDate::fromString(text.left(10), QStringLiteral("yyyy-MM-dd"));
 }
 

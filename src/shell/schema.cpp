@@ -293,6 +293,12 @@ const char *const Version5[] = {
     "create index if not exists client_companyfold on client (foldcase(Company), Company, PhoneNo, Add1)",
 };
 
+// Version 6: a stay's length, so that the longest one is known at once and a
+// query for the stays around some days reads only those (see stayOverlapSql).
+const char *const Version6[] = {
+    "create index if not exists booking_nights on booking (julianday(ToDate) - julianday(FromDate))",
+};
+
 struct Migration {
     int version;
     const char *const *statements;
@@ -305,6 +311,7 @@ const Migration Migrations[] = {
     {3, Version3, std::size(Version3)},
     {4, Version4, std::size(Version4)},
     {5, Version5, std::size(Version5)},
+    {6, Version6, std::size(Version6)},
 };
 
 } // namespace

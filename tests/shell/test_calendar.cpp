@@ -55,6 +55,36 @@ private Q_SLOTS:
         QVERIFY(!cal.guestName(9999));
     }
 
+    // The window's query bounds the stays it reads by the longest one on file.
+    void staysHoldingANightOfTheWindowAreFoundWhateverTheirLength_data()
+    {
+        QTest::addColumn<int>("startOffset");   // days from the window's first day
+        QTest::addColumn<int>("nights");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("a year's stay begun months before") << -300 << 400 << true;
+        QTest::newRow("leaving on the first day") << -3 << 3 << false;
+        QTest::newRow("arriving on the last day") << 9 << 2 << true;
+        QTest::newRow("the longest stay arriving on the last day") << 9 << 30 << true;
+        QTest::newRow("arriving the day after") << 10 << 1 << false;
+    }
+
+    void staysHoldingANightOfTheWindowAreFoundWhateverTheirLength()
+    {
+        QFETCH(int, startOffset);
+        QFETCH(int, nights);
+        QFETCH(bool, shown);
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Anna", "Smith");
+        addBooking(t.db(), 2, c, D0.addDays(-40), 30);
+        for (int i = 0; i < 50; ++i)
+            addBooking(t.db(), 3, c, D0.addDays(-200 + 4 * i), 3);
+        addBooking(t.db(), 1, c, D0.addDays(startOffset), nights);
+        Calendar cal;
+        cal.fillCache(t.db(), D0, D0.addDays(9));
+        const QDate inWindow = std::clamp(D0.addDays(startOffset), D0, D0.addDays(9));
+        QCOMPARE(cal.roomIsBooked(inWindow, 1), shown);
+    }
+
     void rangesAreClippedByTheWindow()
     {
         TestDatabase t;

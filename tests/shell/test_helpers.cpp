@@ -1,5 +1,6 @@
 #include "accounts/paymenttypes.h"
 #include "clients/clientnames.h"
+#include "shell/database.h"
 #include "shell/propertyinfo.h"
 #include "shell/schema.h"
 #include "shell/textformat.h"
@@ -30,6 +31,30 @@ private Q_SLOTS:
         QCOMPARE(numericKey(','), int(','));
         QCOMPARE(numericKey('a'), 0);
         QCOMPARE(numericKey('-'), 0);
+    }
+
+    void storedDatesReadAsQtWouldParseThem_data()
+    {
+        QTest::addColumn<QVariant>("stored");
+        QTest::newRow("a date") << QVariant("2026-03-02");
+        QTest::newRow("with a time of day") << QVariant("2026-03-02 10:30:00");
+        QTest::newRow("ISO with T") << QVariant("2026-03-02T10:30:00");
+        QTest::newRow("month 13") << QVariant("2026-13-01");
+        QTest::newRow("30 February") << QVariant("2026-02-30");
+        QTest::newRow("29 February of a leap year") << QVariant("2024-02-29");
+        QTest::newRow("day 00") << QVariant("2026-03-00");
+        QTest::newRow("year 0000") << QVariant("0000-01-01");
+        QTest::newRow("short month") << QVariant("2026-3-2");
+        QTest::newRow("letters") << QVariant("2026-0a-02");
+        QTest::newRow("day first") << QVariant("02/03/2026");
+        QTest::newRow("empty") << QVariant("");
+        QTest::newRow("null") << QVariant();
+    }
+
+    void storedDatesReadAsQtWouldParseThem()
+    {
+        QFETCH(QVariant, stored);
+        QCOMPARE(dateFromSql(stored), QDate::fromString(stored.toString().left(10), "yyyy-MM-dd"));
     }
 
     void datesInTextAreLocaleFree()

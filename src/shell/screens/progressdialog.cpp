@@ -3,6 +3,7 @@
 #include "shell/strings.h"
 
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QProgressDialog>
 
 #include <memory>
@@ -14,9 +15,17 @@ namespace {
 // The dialog's scale: fine enough for a smooth bar, far from int's limits.
 constexpr int Scale = 1000;
 
+// The dialog is a child of its parent window, which may close before the work
+// ends (start-up's backup runs under the splash): then the parent has deleted it
+// and the work goes on unwatched.
 struct Watched {
-    std::unique_ptr<QProgressDialog> dialog;
+    QPointer<QProgressDialog> dialog;
     QElapsedTimer sinceUpdate;
+
+    Watched() = default;
+    Watched(const Watched &) = delete;
+    Watched &operator=(const Watched &) = delete;
+    ~Watched() { delete dialog.data(); }
 };
 
 } // namespace
@@ -24,7 +33,7 @@ struct Watched {
 Progress progressDialog(const QString &title, QWidget *parent)
 {
     auto watched = std::make_shared<Watched>();
-    watched->dialog = std::make_unique<QProgressDialog>(QString(), getString(6031, QStringLiteral("Cancel")), 0, Scale, parent);
+    watched->dialog = new QProgressDialog(QString(), getString(6031, QStringLiteral("Cancel")), 0, Scale, parent);
     QProgressDialog &dialog = *watched->dialog;
     dialog.setObjectName(QStringLiteral("dlgProgress"));
     dialog.setWindowTitle(title);
@@ -33,6 +42,8 @@ Progress progressDialog(const QString &title, QWidget *parent)
     dialog.setAutoClose(true);
     dialog.setValue(0);   // the clock for the delay starts here
     return Progress([watched](qint64 done, qint64 total, const QString &what) {
+        if (!watched->dialog)
+            return true;
         QProgressDialog &d = *watched->dialog;
         // Work reports far more often than a person can see; the bar follows at
         // most twenty times a second, and always at the end.

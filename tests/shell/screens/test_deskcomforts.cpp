@@ -16,6 +16,8 @@
 #include <QVBoxLayout>
 #include <QtTest>
 
+#include <memory>
+
 using namespace fenlark;
 
 namespace {
@@ -138,6 +140,16 @@ private Q_SLOTS:
             QVERIFY(!dialog->isVisible());
         }
         QVERIFY(!parent.findChild<QProgressDialog *>());   // gone with its Progress
+    }
+
+    void workOutlivingTheParentWindowGoesOnUnwatched()
+    {
+        auto parent = std::make_unique<QWidget>();
+        parent->show();
+        Progress progress = progressDialog("Work", parent.get());
+        QVERIFY(progress.step(1, 10, "Step"));
+        parent.reset();
+        QVERIFY(progress.step(2, 10, "Step"));
     }
 
     void slowWorkShowsTheDialogAndCancelStopsTheWork()
