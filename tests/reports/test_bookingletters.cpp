@@ -19,25 +19,6 @@
 using namespace fenlark;
 using namespace fixtures;
 
-namespace {
-
-qint32 addClient(Database &db, const QString &first, const QString &surname, const QString &company = {},
-                 const QString &email = {})
-{
-    Client c;
-    c.Title = QStringLiteral("Mr");
-    c.FirstName = first;
-    c.Surname = surname;
-    c.Company = company;
-    c.Email = email;
-    c.PhoneNo = QStringLiteral("082 555 0101");
-    c.Active = QStringLiteral("Y");
-    c.update(db);
-    return c.BBClientID;
-}
-
-} // namespace
-
 class TestBookingLetters : public QObject {
     Q_OBJECT
 
@@ -53,74 +34,31 @@ class TestBookingLetters : public QObject {
     void seed()
     {
         db().execute("insert into bbsetup (BBID, CurrencyCode) values (20001, 'ZAR')");
-        for (const auto &[id, name, order] : {std::tuple{1, "Garden", 2}, std::tuple{2, "Loft", 3}, std::tuple{3, "Suite", 1}}) {
-            Room room;
-            room.BBRoomID = id;
-            room.RoomName = QString::fromLatin1(name);
-            room.OrderBy = static_cast<qint16>(order);
-            room.update(db());
+        db().execute("insert into room (BBRoomID, RoomName, OrderBy) values (1, 'Garden', 2), (2, 'Loft', 3), (3, 'Suite', 1)");
+        db().execute("insert into stock (BBStockID, StockName) values (9, 'Wine')");
+        db().execute("insert into client (BBClientID, Title, FirstName, Surname, Company, Email, PhoneNo, Active) values "
+                     "(1, 'Mr', 'Sipho', 'O''Neil', 'O''Neil & <Sons>', 'sipho@example.org', '082 555 0101', 'Y'), "
+                     "(2, 'Mr', 'Lerato', 'Dube', '', '', '082 555 0101', 'Y')");
+        db().execute("insert into account (BBAccountID, InvoiceTo, Status) values (1, 1, 'O')");
+        db().execute("insert into booking (BBBookingID, FromDate, ToDate, MadeBy, BBAccountID, Status, Deposit, Source, Notes) "
+                     "values (1, '2026-07-03', '2026-07-05', 1, 1, 'C', 150, 'Website', 'Late arrival & <quiet> room')");
+        m_maker = m_account = m_booking = 1;
+        // room, adults, children, reference, second guest, rate
+        for (const QVariantList &leg : {QVariantList{1, 2, 1, "REF-1", 2, 100}, QVariantList{2, 1, 0, "", 0, 80},
+                                        QVariantList{3, 2, 0, "REF-3", 0, 120.5}}) {
+            db().execute("insert into guest (BBBookingID, BBClientID, BBRoomID, NoAdults, Child1, Reference, BBClient2ID) "
+                         "values (1, 1, ?, ?, ?, ?, ?)", leg.mid(0, 5));
+            for (const char *night : {"2026-07-03", "2026-07-04"})
+                db().execute("insert into dailyrate (CalDate, BBBookingID, BBRoomID, RoomRate) values (?, 1, ?, ?)",
+                             {night, leg[0], leg[5]});
         }
-        Stock wine;
-        wine.BBStockID = 9;
-        wine.StockName = QStringLiteral("Wine");
-        wine.update(db());
-        m_maker = addClient(db(), "Sipho", "O'Neil", "O'Neil & <Sons>", "sipho@example.org");
-        const qint32 second = addClient(db(), "Lerato", "Dube");
-        Account a;
-        a.InvoiceTo = m_maker;
-        a.Status = QStringLiteral("O");
-        a.update(db());
-        m_account = a.BBAccountID;
-        Booking b;
-        b.FromDate = QDate(2026, 7, 3);
-        b.ToDate = QDate(2026, 7, 5);
-        b.MadeBy = m_maker;
-        b.BBAccountID = m_account;
-        b.Status = QStringLiteral("C");
-        b.Deposit = 150;
-        b.Source = QStringLiteral("Website");
-        b.Notes = QStringLiteral("Late arrival & <quiet> room");
-        b.update(db());
-        m_booking = b.BBBookingID;
-        const std::tuple<qint32, int, int, QString, double> legs[] = {
-            {1, 2, 1, "REF-1", 100}, {2, 1, 0, "", 80}, {3, 2, 0, "REF-3", 120.5}};
-        for (const auto &[room, adults, children, reference, rate] : legs) {
-            Guest g;
-            g.BBBookingID = m_booking;
-            g.BBRoomID = room;
-            g.BBClientID = m_maker;
-            g.NoAdults = static_cast<qint16>(adults);
-            g.Child1 = static_cast<qint16>(children);
-            g.Reference = reference;
-            if (room == 1)
-                g.BBClient2ID = second;
-            g.update(db());
-            for (int n = 0; n < 2; ++n) {
-                DailyRate r;
-                r.CalDate = b.FromDate.addDays(n);
-                r.BBBookingID = m_booking;
-                r.BBRoomID = room;
-                r.RoomRate = rate;
-                r.update(db());
-            }
-        }
-        Payment p;
-        p.BBAccountID = m_account;
-        p.Amount = 200;
-        p.PaymentDate = QDate(2026, 6, 1);
-        p.update(db());
+        db().execute("insert into payment (BBAccountID, Amount, PaymentDate) values (1, 200, '2026-06-01')");
     }
 
     void addWine(double qty, double price, const QDate &date)
     {
-        Extra e;
-        e.BBGuestID = db().scalar("select bbguestid from guest where bbroomid = 1").toInt();
-        e.BBAccountID = m_account;
-        e.BBStockID = 9;
-        e.Qty = qty;
-        e.Price = price;
-        e.ExtraDate = date;
-        e.update(db());
+        db().execute("insert into extra (BBGuestID, BBAccountID, BBStockID, Qty, Price, ExtraDate) "
+                     "values ((select bbguestid from guest where bbroomid = 1), 1, 9, ?, ?, ?)", {qty, price, sqlDate(date)});
     }
 
     QHash<QString, QString> bookmarks(LetterKind kind, qint32 room = 0)

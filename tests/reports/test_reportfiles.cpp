@@ -73,6 +73,14 @@ ReportSheet agedTable(const std::vector<std::pair<double, double>> &rows, bool w
     return sheet;
 }
 
+// A file an earlier report left at path.
+void writeOldReport(const QString &path)
+{
+    QFile old(path);
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    old.write("an older report");
+}
+
 } // namespace
 
 class TestReportFiles : public QObject {
@@ -241,10 +249,7 @@ private Q_SLOTS:
     {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("report.xlsx"));
-        QFile old(path);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("an older report");
-        old.close();
+        writeOldReport(path);
         QVERIFY(writeReportXlsx(agedTable({{1, 2}}, true), path).ok());
         QVERIFY(!zipEntry(path, "xl/worksheets/sheet1.xml").isEmpty());
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("report.xlsx")});
@@ -255,10 +260,7 @@ private Q_SLOTS:
     {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("report.xlsx"));
-        QFile old(path);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("an older report");
-        old.close();
+        writeOldReport(path);
         const ReportSheet sheet = agedTable({{1, 2}, {3, 4}, {5, 6}}, true);
         qint64 rows = 0;
         Progress stopAtTheThird([&](qint64 done, qint64 total, const QString &) {
@@ -269,6 +271,7 @@ private Q_SLOTS:
         QCOMPARE(written.refusal().id(), 5306);
         QCOMPARE(rows, qint64(sheet.rowCount()));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("report.xlsx")});
+        QFile old(path);
         QVERIFY(old.open(QIODevice::ReadOnly));
         QCOMPARE(old.readAll(), QByteArray("an older report"));
     }

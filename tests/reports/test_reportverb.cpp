@@ -1,54 +1,28 @@
-// fenlarkctl report, run as a script runs it: a separate process on a database
-// file, JSON on stdout, a refusal on stderr with a non-zero exit and no file.
+// fenlarkctl report, document and letter, run as a script runs them: a separate
+// process on a database file, JSON on stdout, a refusal on stderr with a
+// non-zero exit and nothing written.
 #include "reportfixture.h"
 #include "shell/preferences.h"
+#include "support/ctlrun.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
+#include <QJsonArray>
 #include <QtTest>
 
 using namespace fenlark;
-
-namespace {
-
-struct Run {
-    int exitCode = -1;
-    QJsonObject json;
-    QString errors;
-};
-
-} // namespace
 
 class TestReportVerb : public QObject {
     Q_OBJECT
 
 private:
-    QString m_ctl;
     std::unique_ptr<TestDatabase> m_t;
 
-    Run ctl(QStringList arguments)
-    {
-        arguments << QStringLiteral("--home") << m_t->home() << QStringLiteral("--db") << m_t->db().path();
-        QProcess process;
-        process.start(m_ctl, arguments);
-        process.waitForFinished(60000);
-        Run run;
-        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        run.json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
-        run.errors = QString::fromUtf8(process.readAllStandardError()).trimmed();
-        return run;
-    }
+    CtlRun ctl(const QStringList &arguments) { return runCtl(m_t->home(), m_t->db().path(), arguments); }
 
     QString out(const QString &name) const { return m_t->file(name); }
+    QStringList filesIn(const QString &folder) { return QDir(m_t->file(folder)).entryList(QDir::Files); }
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_ctl = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../fenlarkctl"));
-        if (!QFileInfo(m_ctl).isExecutable())
-            QSKIP("fenlarkctl is not built");
-    }
+    void initTestCase() { FENLARK_REQUIRE_CTL(); }
 
     void init()
     {
@@ -58,7 +32,7 @@ private Q_SLOTS:
 
     void reportGoesToTheFileAndSaysWhatItWrote()
     {
-        const Run run = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
+        const CtlRun run = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
                              QStringLiteral("2026-03-01"), QStringLiteral("--to"), QStringLiteral("2026-03-31"),
                              QStringLiteral("--out"), out(QStringLiteral("payments.tsv"))});
         QCOMPARE(run.exitCode, 0);
@@ -72,7 +46,7 @@ private Q_SLOTS:
         QCOMPARE(lines.first(), QStringLiteral("Payments Report between 01/03/2026 and 31/03/2026"));
         QCOMPARE(lines.at(lines.size() - 2), QStringLiteral("\t\t\t2200.00"));
 
-        const Run workbook = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
+        const CtlRun workbook = ctl({QStringLiteral("report"), QStringLiteral("11"), QStringLiteral("--from"),
                                   QStringLiteral("2026-03-01"), QStringLiteral("--to"), QStringLiteral("2026-03-31"),
                                   QStringLiteral("--out"), out(QStringLiteral("payments.XLSX"))});
         QCOMPARE(workbook.exitCode, 0);
@@ -83,7 +57,7 @@ private Q_SLOTS:
 
     void calendarPrintoutTakesAndRemembersItsOrientation()
     {
-        const Run run = ctl({QStringLiteral("report"), QStringLiteral("1"), QStringLiteral("--orientation"),
+        const CtlRun run = ctl({QStringLiteral("report"), QStringLiteral("1"), QStringLiteral("--orientation"),
                              QStringLiteral("l"), QStringLiteral("--from"), QStringLiteral("2026-03-09"),
                              QStringLiteral("--out"), out(QStringLiteral("calendar.tsv"))});
         QCOMPARE(run.exitCode, 0);
@@ -136,7 +110,7 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, message);
-        const Run run = ctl(QStringList{QStringLiteral("report")} + arguments +
+        const CtlRun run = ctl(QStringList{QStringLiteral("report")} + arguments +
                             QStringList{QStringLiteral("--out"), out(QStringLiteral("refused.tsv"))});
         QVERIFY(run.exitCode != 0);
         QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
@@ -151,7 +125,7 @@ private Q_SLOTS:
             QStringList arguments{QStringLiteral("report"), QStringLiteral("2")};
             if (!name.isEmpty())
                 arguments << QStringLiteral("--out") << out(name);
-            const Run run = ctl(arguments);
+            const CtlRun run = ctl(arguments);
             QVERIFY(run.exitCode != 0);
             QVERIFY2(run.errors.contains(QStringLiteral("--out must name a .xlsx or .tsv file")), qPrintable(run.errors));
         }
@@ -159,10 +133,84 @@ private Q_SLOTS:
 
     void aFileThatCannotBeWrittenIsRefused()
     {
-        const Run run = ctl({QStringLiteral("report"), QStringLiteral("2"), QStringLiteral("--out"),
+        const CtlRun run = ctl({QStringLiteral("report"), QStringLiteral("2"), QStringLiteral("--out"),
                              out(QStringLiteral("test.db/summary.xlsx"))});
         QVERIFY(run.exitCode != 0);
         QVERIFY2(run.errors.contains(QStringLiteral("The report could not be written to")), qPrintable(run.errors));
+    }
+    void proFormaIsWrittenIntoTheInvoiceFolderOrTheFolderGiven()
+    {
+        CtlRun run = ctl({"document", "--account", "3", "--type", "P"});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(run.errors.contains("has no pro forma number yet"));
+
+        m_t->db().execute("update account set proformano = 12 where bbaccountid = ?", {3});
+        run = ctl({"document", "--account", "3", "--type", "P"});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.json.value("files").toArray().first().toString(), m_t->file("invoices/Pro000012.xlsx"));
+        QCOMPARE(run.json.value("number").toInt(), 12);
+        QVERIFY(run.json.value("total").isDouble());
+
+        QDir(m_t->home()).mkpath("out");
+        run = ctl({"document", "--account", "3", "--type", "P", "--out", m_t->file("out")});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(filesIn("out"), QStringList{"Pro000012.xlsx"});
+    }
+
+    void documentOptionsAreRefusedWritingNothing_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no account") << QStringList{"document", "--type", "I"} << "--account";
+        QTest::newRow("unknown type") << QStringList{"document", "--account", "1", "--type", "X"} << "--type";
+        QTest::newRow("number on an invoice") << QStringList{"document", "--account", "1", "--type", "I", "--number", "3"} << "--number";
+        QTest::newRow("no invoice") << QStringList{"document", "--account", "1", "--type", "I"} << "has no invoice.";
+        QTest::newRow("no credit note") << QStringList{"document", "--account", "1", "--type", "C"} << "has no credit note.";
+        QTest::newRow("missing account") << QStringList{"document", "--account", "999999", "--type", "P"} << "Account 999999 could not be found.";
+        QTest::newRow("unknown kind") << QStringList{"letter", "--booking", "1", "--kind", "postcard"} << "--kind";
+        QTest::newRow("room on a confirmation") << QStringList{"letter", "--booking", "1", "--kind", "confirmation", "--room", "2"} << "--room";
+        QTest::newRow("pdf of a summary") << QStringList{"letter", "--booking", "1", "--kind", "summary", "--pdf"} << "--pdf";
+        QTest::newRow("missing booking") << QStringList{"letter", "--booking", "999999", "--kind", "confirmation"} << "Could not fetch booking data (999999)";
+    }
+    void documentOptionsAreRefusedWritingNothing()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        const CtlRun run = ctl(arguments);
+        QVERIFY(run.exitCode != 0);
+        QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
+        QVERIFY(filesIn("invoices").isEmpty());
+        QVERIFY(filesIn("letters").isEmpty());
+    }
+
+    void lettersPrintTheBookingsRooms()
+    {
+        CtlRun run = ctl({"letter", "--booking", "2", "--kind", "registration", "--other-rooms"});
+        QCOMPARE(run.exitCode, 0);
+        const int rooms = m_t->db().scalar("select count(*) from guest where bbbookingid = ?", {2}).toInt();
+        QCOMPARE(run.json.value("files").toArray().size(), rooms);
+        QCOMPARE(filesIn("letters").size(), rooms);
+
+        run = ctl({"letter", "--booking", "2", "--kind", "confirmation"});
+        QCOMPARE(run.exitCode, 0);
+        const QString email = m_t->db().scalar("select email from client join booking on madeby = bbclientid where bbbookingid = ?",
+                                               {2}).toString();
+        QCOMPARE(run.json.value("email").toString(), email);
+
+        run = ctl({"letter", "--booking", "2", "--kind", "summary"});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(QFile::exists(m_t->file("VMWordPad.txt")));
+    }
+
+    void lettersWithoutLibreOfficeAreWrittenAndTheMissingPdfIsSaid()
+    {
+        qputenv("FENLARK_SOFFICE", "/nonexistent/soffice");
+        const CtlRun run = ctl({"letter", "--booking", "2", "--kind", "confirmation", "--pdf"});
+        qunsetenv("FENLARK_SOFFICE");
+        QCOMPARE(run.exitCode, 3);
+        QVERIFY(run.errors.contains("needs LibreOffice"));
+        QCOMPARE(run.json.value("files").toArray().size(), 1);
+        QCOMPARE(filesIn("letters").size(), 1);
     }
 };
 

@@ -5,10 +5,13 @@
 #include "bookings/bookingrecords.h"
 #include "clients/clientrecords.h"
 #include "shell/database.h"
+#include "shell/session.h"
+#include "support/testdatabase.h"
 #include "support/recordingsink.h"
 
 #include <QStringList>
 
+#include <memory>
 #include <vector>
 
 namespace deskfixture {
@@ -54,6 +57,21 @@ inline qint32 addBooking(fenlark::Database &db, qint32 room, qint32 client, QDat
     g.CheckInOut = checkInOut;
     g.update(db);
     return b.BBBookingID;
+}
+
+// A property of four rooms with Anna Smith's booking (two adults and a child in
+// room 2) in the first visible week, in a session of the given user.
+inline std::unique_ptr<fenlark::Session> smallDesk(TestDatabase &t, const QString &user = "admin")
+{
+    addRoomType(t.db(), 1, "Double");
+    for (int r = 1; r <= 4; ++r)
+        addRoom(t.db(), r, QString("Room %1").arg(r));
+    addBooking(t.db(), 2, addClient(t.db(), "Anna", "Smith", "021"), QDate::currentDate().addDays(-5), 3, "C", 2, 1);
+    auto session = std::make_unique<fenlark::Session>(fenlark::Database::open(t.file("test.db")), 0);
+    fenlark::UserStruct u = fenlark::UserStruct::autoAdmin();
+    u.UserName = user;
+    session->setUser(u);
+    return session;
 }
 
 } // namespace deskfixture

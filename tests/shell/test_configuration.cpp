@@ -144,13 +144,6 @@ private Q_SLOTS:
         QCOMPARE(getDBPath(3), QString());
     }
 
-    void secondDatabaseWithoutFirstMeansSingle()
-    {
-        writeConfig("Database2", "{Beach}/srv/b.db");
-        QVERIFY(!hasMultipleDatabases());
-        QCOMPARE(databaseCount(), 0);
-    }
-
     void malformedEntryShowsTheConfigurationMessage()
     {
         RecordingSink sink;

@@ -53,42 +53,6 @@ private Q_SLOTS:
         QVERIFY(db->tableExists("booking"));
     }
 
-    void filesThatAreNotOursAreRefusedAndLeftUntouched_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("text") << QByteArray("this is not a database\n");
-        QTest::newRow("random bytes") << QByteArray(5000, '\x9c');
-        QTest::newRow("sqlite header then garbage") << QByteArray("SQLite format 3\0", 16) + QByteArray(4096, '\x01');
-    }
-    void filesThatAreNotOursAreRefusedAndLeftUntouched()
-    {
-        QFETCH(QByteArray, content);
-        QTemporaryDir dir;
-        const QString path = dir.filePath("other.db");
-        writeFile(path, content);
-        const QByteArray before = digest(path);
-        QVERIFY_THROWS_EXCEPTION(DatabaseOpenError, Database::open(path));
-        QCOMPARE(digest(path), before);
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"other.db"});
-    }
-
-    void anotherProgramsSqliteDatabaseIsRefused()
-    {
-        QTemporaryDir dir;
-        const QString path = dir.filePath("foreign.db");
-        {
-            QSqlDatabase raw = QSqlDatabase::addDatabase("QSQLITE", "foreign");
-            raw.setDatabaseName(path);
-            raw.open();
-            QSqlQuery(raw).exec("create table notes (x text)");
-            raw.close();
-        }
-        QSqlDatabase::removeDatabase("foreign");
-        const QByteArray before = digest(path);
-        QVERIFY_THROWS_EXCEPTION(DatabaseOpenError, Database::open(path));
-        QCOMPARE(digest(path), before);
-    }
-
     // A file of the schema before folded names: opening it folds the names of
     // the clients it already holds, and writes from then on keep them folded.
     void olderDatabaseGetsItsClientNamesFoldedOnOpen()

@@ -186,13 +186,6 @@ private Q_SLOTS:
         QCOMPARE(sink.shownIds(), allowed ? QList<int>() : QList<int>{5100});
     }
 
-    void autoAdminHasEveryRight()
-    {
-        const UserStruct a = UserStruct::autoAdmin();
-        QCOMPARE(a.UserName, QString("admin"));
-        QVERIFY(a.CancelBooking && a.CancelRoom && a.RunReports && a.ExtrasDelete && a.PaymentsDelete);
-    }
-
     void constantTimeCompareIsExact()
     {
         QVERIFY(passwordsEqual("", ""));

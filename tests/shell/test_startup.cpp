@@ -182,20 +182,6 @@ private Q_SLOTS:
         QCOMPARE(startup.run(), Startup::Running);
     }
 
-    void aDamagedDatabaseEndsStartUpWithItsMessage()
-    {
-        RecordingSink sink;
-        QFile f(m_home->filePath("Veldmoor.db"));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("garbage");
-        f.close();
-        FakeHost host;
-        Startup startup(host);
-        QCOMPARE(startup.run(), Startup::CannotOpenDatabase);
-        QVERIFY(sink.shown.value(0).text.startsWith("Could not open database (" + m_home->filePath("Veldmoor.db") + ")"));
-        QCOMPARE(sink.shown.value(0).title, QString("Could not open database."));
-    }
-
     void aSecondDeskOnTheSameHomeIsRefused()
     {
         RecordingSink sink;

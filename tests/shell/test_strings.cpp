@@ -119,12 +119,6 @@ private Q_SLOTS:
         QCOMPARE(loggedLines(), 2);
     }
 
-    void languageNames()
-    {
-        QCOMPARE(StringTable::languageName(1033), QString("English (United States)"));
-        QCOMPARE(StringTable::languageName(3082), QString("Spanish (International)"));
-        QCOMPARE(StringTable::languageName(7), QString("Invalid Language Index"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestStrings)

@@ -30,19 +30,11 @@ using namespace deskfixture;
 
 namespace {
 
-// A property of four rooms with one booking in the first visible week.
-std::unique_ptr<Session> makeSession(TestDatabase &t, const QString &user = "admin")
+void showDesk(MainWindow &window)
 {
-    addRoomType(t.db(), 1, "Double");
-    for (int r = 1; r <= 4; ++r)
-        addRoom(t.db(), r, QString("Room %1").arg(r));
-    const qint32 c = addClient(t.db(), "Anna", "Smith", "021");
-    addBooking(t.db(), 2, c, QDate::currentDate().addDays(-5), 3, "C", 2, 1);
-    auto session = std::make_unique<Session>(Database::open(t.file("test.db")), 0);
-    UserStruct u = UserStruct::autoAdmin();
-    u.UserName = user;
-    session->setUser(u);
-    return session;
+    window.resize(1100, 650);
+    window.show();
+    window.initialise();
 }
 
 } // namespace
@@ -54,10 +46,8 @@ private Q_SLOTS:
     void windowDrawsTheDaysItsWidthHoldsAndFillsIt()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t));
-        window.resize(1100, 650);
-        window.show();
-        window.initialise();
+        MainWindow window(smallDesk(t));
+        showDesk(window);
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         CalendarView *view = window.calendarView();
         QCOMPARE(window.calendarModel()->columnCount(), dayColumnsForWidth(twipsFromPixels(view->viewport()->width())));
@@ -70,6 +60,8 @@ private Q_SLOTS:
         QTRY_VERIFY(window.calendarModel()->columnCount() < before);
 
         const QDate from = window.fromDate();
+        QCOMPARE(from, QDate::currentDate().addDays(-7));
+        QCOMPARE(window.inDateEdit()->date(), QDate::currentDate());
         window.button("cmdNextWeek")->click();
         QCOMPARE(window.fromDate(), from.addDays(7));
         QCOMPARE(window.inDateEdit()->date(), from.addDays(7));
@@ -80,10 +72,8 @@ private Q_SLOTS:
     void dragOverFreeCellsListsTheFreeRoomsWithTheDraggedOnesSelected()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t));
-        window.resize(1100, 650);
-        window.show();
-        window.initialise();
+        MainWindow window(smallDesk(t));
+        showDesk(window);
         CalendarModel *model = window.calendarModel();
         auto *selection = window.calendarView()->selectionModel();
         // From bottom right to top left over rooms 3 and 4, days 9 to 11 of the window.
@@ -112,7 +102,7 @@ private Q_SLOTS:
     void oneDatabaseWithoutUsersHidesChooseDatabaseAndChangeUserOnly()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t));
+        MainWindow window(smallDesk(t));
         for (const DeskCommand &command : MainCommands::commands()) {
             const bool hidden = command.name == "m2ChooseDB" || command.name == "cmdChangeUser" || command.name == "cmdCloseBox";
             if (command.place == DeskCommand::Button)
@@ -127,9 +117,7 @@ private Q_SLOTS:
         QVERIFY(window.menuBar()->actions().contains(window.menuAction("m1Transactions")));
 
         RecordingSink sink;
-        window.resize(1100, 650);
-        window.show();
-        window.initialise();
+        showDesk(window);
         window.calendarView()->setCurrentIndex(window.calendarModel()->index(0, 4));
         window.button("cmdView")->click();
         QCOMPARE(sink.shownIds(), QList<int>{2286});
@@ -152,9 +140,7 @@ private Q_SLOTS:
             opened << url;
             return true;
         };
-        window.resize(1100, 650);
-        window.show();
-        window.initialise();
+        showDesk(window);
 
         int closed = 0;
         QTimer closer;
@@ -194,10 +180,8 @@ private Q_SLOTS:
     {
         TestDatabase t;
         RecordingSink sink;
-        MainWindow window(makeSession(t));
-        window.resize(1100, 650);
-        window.show();
-        window.initialise();
+        MainWindow window(smallDesk(t));
+        showDesk(window);
         CalendarView *view = window.calendarView();
         CalendarModel *model = window.calendarModel();
         view->setFocus();
@@ -246,7 +230,7 @@ private Q_SLOTS:
     void optionsAreForAdminOnly()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t, "mary"));
+        MainWindow window(smallDesk(t, "mary"));
         RecordingSink sink;
         window.menuAction("m2Options")->trigger();
         QCOMPARE(sink.shownIds(), QList<int>{5100});
@@ -255,7 +239,7 @@ private Q_SLOTS:
     void languageChangeRetranslatesOpenWindows()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t));
+        MainWindow window(smallDesk(t));
         window.show();
         window.initialise();
         QCOMPARE(window.button("cmdToday")->text(), QString("&Today"));
@@ -269,10 +253,8 @@ private Q_SLOTS:
     void aWriteComesBackToTheCalendarThroughOneRoad()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t));
-        window.resize(1100, 650);
-        window.show();
-        window.initialise();
+        MainWindow window(smallDesk(t));
+        showDesk(window);
         CalendarModel *model = window.calendarModel();
         const int day = 10;
         QVERIFY(model->index(2, day).data().toString().isEmpty());
@@ -289,20 +271,10 @@ private Q_SLOTS:
         QCOMPARE(model->index(3, day + 1).data(CalendarModel::BookingIdRole).toInt(), id);
     }
 
-    void theBookingPanelStartsAtToday()
-    {
-        TestDatabase t;
-        MainWindow window(makeSession(t));
-        window.show();
-        window.initialise();
-        QCOMPARE(window.fromDate(), QDate::currentDate().addDays(-7));
-        QCOMPARE(window.inDateEdit()->date(), QDate::currentDate());
-    }
-
     void theTickRunsInTheBackgroundButNotUnderADialog()
     {
         TestDatabase t;
-        MainWindow window(makeSession(t));
+        MainWindow window(smallDesk(t));
         writeConfig("AutoSynch", "N");
         QCOMPARE(window.tick(), Ticker::AutoSynchOff);   // not shown, not active: it still ticks
         Ticker::Result underDialog = Ticker::Synchronised;
@@ -319,7 +291,7 @@ private Q_SLOTS:
     {
         TestDatabase t;
         RecordingSink sink;
-        MainWindow window(makeSession(t));
+        MainWindow window(smallDesk(t));
         writeConfig("AutoSynch", "Y");
         t.db().execute("alter table dblog rename to dblog_gone");   // every look at the log fails
         const int before = guardedFailures();
@@ -337,7 +309,7 @@ private Q_SLOTS:
     {
         TestDatabase t;
         RecordingSink sink;
-        MainWindow window(makeSession(t));
+        MainWindow window(smallDesk(t));
         const qint32 c = addClient(t.db(), "Cy", "Empty");
         const qint32 account = createAccount(t.db(), c);
         QVERIFY(window.menuAction("m2AccountsCloseEmpty")->isEnabled());

@@ -25,14 +25,6 @@ namespace {
 
 const QDate Today(2026, 3, 18);
 
-QList<int> shownIds(const RecordingSink &sink)
-{
-    QList<int> ids;
-    for (const UserMessage &m : sink.shown)
-        ids << m.id;
-    return ids;
-}
-
 } // namespace
 
 class TestReportScreens : public QObject {
@@ -134,7 +126,7 @@ private Q_SLOTS:
         dialog.dpFrom->setDate(QDate(2026, 3, 20));
         dialog.dpTo->setDate(QDate(2026, 3, 19));
         dialog.cmdRun->click();
-        QCOMPARE(shownIds(sink), QList<int>{2145});
+        QCOMPARE(sink.shownIds(), QList<int>{2145});
         QCOMPARE(dialog.result(), int(QDialog::Rejected));
         dialog.dpTo->setDate(QDate(2026, 3, 20));
         dialog.cmdRun->click();
@@ -181,7 +173,7 @@ private Q_SLOTS:
         dialog.txtAmount->setText(amount);
         dialog.cboTranType->setCurrentIndex(2);
         dialog.cmdRun->click();
-        QCOMPARE(shownIds(sink), refusal ? QList<int>{refusal} : QList<int>{});
+        QCOMPARE(sink.shownIds(), refusal ? QList<int>{refusal} : QList<int>{});
         QCOMPARE(dialog.result(), int(refusal ? QDialog::Rejected : QDialog::Accepted));
         if (refusal == 0) {
             const ReportCriteria criteria = dialog.criteria();
@@ -259,7 +251,7 @@ private Q_SLOTS:
         desk.launcher.run(report::InHouse);
         ReportCriteria criteria = defaultCriteria(report::InHouse, Today);
         QCOMPARE(QGuiApplication::clipboard()->text(), reportTsv(*runReport(m_session->db(), report::InHouse, criteria)));
-        QCOMPARE(shownIds(sink), QList<int>{2149});
+        QCOMPARE(sink.shownIds(), QList<int>{2149});
         QCOMPARE(sink.shown.first().kind, UserMessage::Information);
     }
 
@@ -273,7 +265,7 @@ private Q_SLOTS:
         desk.launcher.run(report::SecurityAudit);
         QVERIFY(desk.opened.isEmpty());
         QVERIFY(QGuiApplication::clipboard()->text().startsWith(QStringLiteral("Security Audit between 01/03/2026")));
-        QCOMPARE(shownIds(sink), QList<int>{2149});
+        QCOMPARE(sink.shownIds(), QList<int>{2149});
     }
 
     void aCancelledDialogRunsNothing()

@@ -19,25 +19,6 @@
 using namespace fenlark;
 using namespace deskfixture;
 
-namespace {
-
-// A property of four rooms with one booking in the first visible week.
-std::unique_ptr<Session> makeSession(TestDatabase &t, const QString &user = "admin")
-{
-    addRoomType(t.db(), 1, "Double");
-    for (int r = 1; r <= 4; ++r)
-        addRoom(t.db(), r, QString("Room %1").arg(r));
-    const qint32 c = addClient(t.db(), "Anna", "Smith", "021");
-    addBooking(t.db(), 2, c, QDate::currentDate().addDays(-5), 3, "C", 2, 1);
-    auto session = std::make_unique<Session>(Database::open(t.file("test.db")), 0);
-    UserStruct u = UserStruct::autoAdmin();
-    u.UserName = user;
-    session->setUser(u);
-    return session;
-}
-
-} // namespace
-
 class TestShellScreens : public QObject {
     Q_OBJECT
 
@@ -45,7 +26,7 @@ private Q_SLOTS:
     void calendarModelPassesTheModelTester()
     {
         TestDatabase t;
-        auto session = makeSession(t);
+        auto session = smallDesk(t);
         session->reloadSetup();
         CalendarModel model(*session);
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -84,7 +65,7 @@ private Q_SLOTS:
     void colourPickerCancelKeepsSaveAndRestoreStore()
     {
         TestDatabase t;
-        auto session = makeSession(t);
+        auto session = smallDesk(t);
         session->reloadSetup();
         {
             ColourPickerDialog dialog(*session);
