@@ -81,7 +81,7 @@ private Q_SLOTS:
         QVERIFY(port > 0);
         const QString address = QStringLiteral("127.0.0.1:%1").arg(port);
 
-        const int steps = qEnvironmentVariableIntValue("FENLARK_DESK_STEPS") > 0 ? qEnvironmentVariableIntValue("FENLARK_DESK_STEPS") : 2000;
+        const int steps = qEnvironmentVariableIntValue("FENLARK_DESK_STEPS") > 0 ? qEnvironmentVariableIntValue("FENLARK_DESK_STEPS") : 8000;
         std::vector<std::unique_ptr<QProcess>> desks;
         for (unsigned seed : {21u, 22u}) {
             auto desk = std::make_unique<QProcess>();
