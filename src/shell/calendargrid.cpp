@@ -67,19 +67,38 @@ void CalendarGrid::build(Session &session, QDate firstDay, int days, QDate today
     m_cells.assign(static_cast<std::size_t>(m_rooms * m_days), CalendarCell());
     for (int r = 0; r < m_rooms; ++r) {
         const qint32 roomId = rooms[static_cast<std::size_t>(r)].BBRoomID;
+        // The cache holds one entry for all the nights of a stay in a room: its
+        // colour, name and the text of the nights after the arrival are made once.
+        const CalendarCache *stay = nullptr;
+        Rgb stayBack;
+        bool unknown = false;
+        QString name, nightText;
         for (int c = 0; c < m_days; ++c) {
-            CalendarEntry entry = calendar.find(m_firstDay.addDays(c), roomId);
+            const QDate day = m_firstDay.addDays(c);
+            CalendarEntry entry = calendar.find(day, roomId);
             if (!entry)
                 continue;
+            if (entry.get() != stay) {
+                stay = entry.get();
+                stayBack = cellColour(entry->Status, colours, &unknown);
+                const auto found = calendar.guestName(entry->BBClientID);
+                if (!found && (m_missingClients.empty() || m_missingClients.back() != entry->BBBookingID))
+                    m_missingClients.push_back(entry->BBBookingID);
+                name = found.value_or(QStringLiteral("???"));
+                nightText.clear();
+            }
             CalendarCell &cell = m_cells[static_cast<std::size_t>(r * m_days + c)];
-            bool unknown = false;
-            cell.back = cellColour(entry->Status, colours, &unknown);
-            const auto name = calendar.guestName(entry->BBClientID);
-            if (!name && (m_missingClients.empty() || m_missingClients.back() != entry->BBBookingID))
-                m_missingClients.push_back(entry->BBBookingID);
-            cell.text = cellText(*entry, m_firstDay.addDays(c), name.value_or(QStringLiteral("???")));
-            if (unknown)
-                cell.text = entry->Status + QLatin1Char(' ') + cell.text;
+            cell.back = stayBack;
+            const bool arrival = day == entry->Arrival;
+            if (arrival || nightText.isNull()) {
+                cell.text = cellText(*entry, day, name);
+                if (unknown)
+                    cell.text = entry->Status + QLatin1Char(' ') + cell.text;
+                if (!arrival)
+                    nightText = cell.text;
+            } else {
+                cell.text = nightText;
+            }
             cell.entry = std::move(entry);
         }
     }
