@@ -205,18 +205,24 @@ std::vector<qint32> BookingSave::linkedBookings(const BookingEdit &edit) const
     return linked;
 }
 
+Outcome BookingSave::checkStay(const BookingEdit &edit, bool datesChanged, bool roomChanged) const
+{
+    if (datesChanged)
+        if (Outcome dates = checkDates(edit); !dates)
+            return dates;
+    if (roomChanged)
+        return checkRoom(edit);
+    return Done{};
+}
+
 Result<SaveOutcome> BookingSave::save(BookingEdit &edit)
 {
     const bool datesChanged = edit.datesChanged();
     const bool roomChanged = edit.roomChanged();
     if (Outcome values = checkValues(edit); !values)
         return values.refusal();
-    if (datesChanged)
-        if (Outcome dates = checkDates(edit); !dates)
-            return dates.refusal();
-    if (roomChanged)
-        if (Outcome room = checkRoom(edit); !room)
-            return room.refusal();
+    if (Outcome stay = checkStay(edit, datesChanged, roomChanged); !stay)
+        return stay.refusal();
     if (datesChanged && Guest::legsOf(m_db, edit.BBBookingID).size() > 1 && !m_questions.changeAllLegs()) {
         edit.fromDate = edit.storedFrom;
         edit.toDate = edit.storedTo;
@@ -247,12 +253,8 @@ Result<SaveOutcome> BookingSave::save(BookingEdit &edit)
         Transaction transaction(m_db);
         // Checked again under the write lock: another desk may have booked the
         // rooms while the questions waited.
-        if (datesChanged)
-            if (Outcome dates = checkDates(edit); !dates)
-                return dates.refusal();
-        if (roomChanged)
-            if (Outcome room = checkRoom(edit); !room)
-                return room.refusal();
+        if (Outcome stay = checkStay(edit, datesChanged, roomChanged); !stay)
+            return stay.refusal();
         if (Outcome saved = saveBooking(edit, linked, reprice); !saved)
             return saved.refusal();
         SecurityAudit audit;

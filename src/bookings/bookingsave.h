@@ -127,6 +127,8 @@ public:
     // No other booking may hold the new room on the screen's dates, nor may this
     // booking have a leg there already.
     Outcome checkRoom(const BookingEdit &edit) const;
+    // The checks of whichever of the dates and the room changed.
+    Outcome checkStay(const BookingEdit &edit, bool datesChanged, bool roomChanged) const;
     // The other bookings whose status follows this one's: empty unless the
     // status changed, the booking has an account others share and the user agrees.
     std::vector<qint32> linkedBookings(const BookingEdit &edit) const;
