@@ -11,9 +11,18 @@
 #include <QFile>
 #include <QLocale>
 
+#include <cstdio>
+
 namespace fenlark {
 
 namespace {
+
+// Moves source over target in one step: target is either the old file or the
+// new one, never missing.
+bool moveOver(const QString &source, const QString &target)
+{
+    return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData()) == 0;
+}
 
 // Replaces target by source through a temporary file, so that a failed copy
 // leaves the old target in place.
@@ -23,26 +32,20 @@ bool replaceWith(const QString &source, const QString &target)
     QFile::remove(temp);
     if (!QFile::copy(source, temp))
         return false;
-    QFile::remove(target);
-    return QFile::rename(temp, target);
+    return moveOver(temp, target);
 }
 
-// A consistent snapshot of the open database in a new file beside target, then
-// moved over target.
+// A consistent snapshot of the open database in the new file target.
 bool snapshot(Database &db, const QString &target)
 {
-    const QString temp = target + QStringLiteral(".part");
-    QFile::remove(temp);
+    QFile::remove(target);
     try {
-        db.execute(QStringLiteral("vacuum into ?"), {temp});
+        db.copyTo(target);
     } catch (const DatabaseError &e) {
         ErrorLog::write(QStringLiteral("Backup to ") + target + QStringLiteral(" failed: ") + e.message());
-        QFile::remove(temp);
         return false;
     }
-    QFile::setPermissions(temp, QFile::ReadOwner | QFile::WriteOwner);
-    QFile::remove(target);
-    return QFile::rename(temp, target);
+    return QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
 }
 
 QString suffix(int dbNumber)
@@ -85,25 +88,39 @@ bool Backup::backupDatabase(Database &db, int dbNumber, Progress &progress, cons
     if (!dir.exists() && !QDir().mkdir(dir.path()))
         return false;
 
-    // Three rotations, the snapshot, its copy, then the templates.
+    // The snapshot, its copy, then the templates.
     const QStringList templates = templateFileNames(dbNumber);
-    const qint64 steps = 5 + templates.size();
+    const qint64 steps = 2 + templates.size();
     qint64 done = 0;
     const QString what = getString(5305, QStringLiteral("Backing up the database"));
     auto next = [&] { return progress.step(done++, steps, what); };
 
-    // Rotate 3 -> 4, 2 -> 3, 1 -> 2.
+    // Both new files are made beside their places before anything is moved, so a
+    // full disk or a stop leaves every earlier backup where it was.
+    const QString monthly = dir.filePath(monthlyFileName(dbNumber, today));
+    const QString newest = dir.filePath(rotationFileName(dbNumber, 1));
+    const QString monthlyPart = monthly + QStringLiteral(".part");
+    const QString newestPart = newest + QStringLiteral(".part");
+    auto discard = [&] {
+        QFile::remove(monthlyPart);
+        QFile::remove(newestPart);
+        return false;
+    };
+    if (!next() || !snapshot(db, monthlyPart))
+        return discard();
+    QFile::remove(newestPart);
+    if (!next() || !QFile::copy(monthlyPart, newestPart))
+        return discard();
+
+    // Rotate 3 -> 4, 2 -> 3, 1 -> 2 by renaming: each number takes the file the
+    // one before it had, without copying a database three times at every start.
     for (int i = 3; i >= 1; --i) {
-        if (!next())
-            return false;
         const QString source = dir.filePath(rotationFileName(dbNumber, i));
-        if (QFile::exists(source) && !replaceWith(source, dir.filePath(rotationFileName(dbNumber, i + 1))))
-            return false;
+        if (QFile::exists(source) && !moveOver(source, dir.filePath(rotationFileName(dbNumber, i + 1))))
+            return discard();
     }
-    if (!next() || !snapshot(db, dir.filePath(monthlyFileName(dbNumber, today))))
-        return false;
-    if (!next() || !replaceWith(dir.filePath(monthlyFileName(dbNumber, today)), dir.filePath(rotationFileName(dbNumber, 1))))
-        return false;
+    if (!moveOver(monthlyPart, monthly) || !moveOver(newestPart, newest))
+        return discard();
 
     // Templates: each on its own; a missing one is skipped.
     const QString folder = Home::path() + QLatin1Char('/');

@@ -117,6 +117,11 @@ public:
 
     bool tableExists(const QString &table);
 
+    // Writes a consistent snapshot of the whole database, page by page, into a new
+    // file at target (which the caller has removed). Throws DatabaseError on failure and
+    // leaves whatever was written for the caller to remove.
+    void copyTo(const QString &target);
+
     // Transaction bookkeeping, used by Transaction; nested levels are savepoints.
     void beginLevel();
     void releaseLevel();
