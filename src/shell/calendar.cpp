@@ -11,6 +11,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 
+#include <algorithm>
 #include <cmath>
 
 namespace fenlark {
@@ -87,11 +88,11 @@ void Calendar::readRows(QSqlQuery &q, QDate from, QDate to, bool loadedDaysOnly)
         if (clientFound)
             cacheGuest(entry->BBClientID, getShortName(fieldText(q.value(7)), fieldText(q.value(8)), fieldText(q.value(9))));
 
-        const qint32 room = q.value(6).toInt();
+        RoomDays &roomDays = m_cells[q.value(6).toInt()];
         for (QDate d = start; d <= end; d = d.addDays(1)) {
             if (loadedDaysOnly && !m_loaded.contains(d.toJulianDay()))
                 continue;
-            CalendarEntry &slot = m_cells[Key{d.toJulianDay(), room}];
+            CalendarEntry &slot = roomDays.slot(d.toJulianDay());
             if (!slot)
                 slot = entry;
         }
@@ -118,12 +119,14 @@ void Calendar::refresh(Database &db, const Changes &changes)
         else
             *it = {std::min(it->first, first), std::max(it->second, last)};
     };
-    for (auto it = m_cells.begin(); it != m_cells.end();) {
-        if (it.value() && changes.bookings().contains(it.value()->BBBookingID)) {
-            extend(it.key().room, it.key().day, it.key().day);
-            it = m_cells.erase(it);
-        } else {
-            ++it;
+    for (auto room = m_cells.begin(); room != m_cells.end(); ++room) {
+        qint64 day = room->firstDay();
+        for (CalendarEntry &cell : room->days()) {
+            if (cell && changes.bookings().contains(cell->BBBookingID)) {
+                extend(room.key(), day, day);
+                cell.reset();
+            }
+            ++day;
         }
     }
     QVariantList keys;
@@ -144,8 +147,9 @@ void Calendar::refresh(Database &db, const Changes &changes)
         const qint32 room = it.key();
         const QDate first = QDate::fromJulianDay(it->first);
         const QDate last = QDate::fromJulianDay(it->second);
+        RoomDays &roomDays = m_cells[room];
         for (QDate d = first; d <= last; d = d.addDays(1))
-            m_cells.remove(Key{d.toJulianDay(), room});
+            roomDays.slot(d.toJulianDay()).reset();
         ++m_queries;
         QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where ") + stayOverlapSql(QStringLiteral("booking"))
                                    + QStringLiteral(" and guest.BBRoomID = ?"),
@@ -163,19 +167,45 @@ void Calendar::refreshClient(Database &db, qint32 clientId)
         delGuestEntry(clientId);
 }
 
+CalendarEntry Calendar::RoomDays::find(qint64 day) const
+{
+    const qint64 at = day - m_first;
+    return at >= 0 && at < qint64(m_days.size()) ? m_days[std::size_t(at)] : CalendarEntry();
+}
+
+CalendarEntry &Calendar::RoomDays::slot(qint64 day)
+{
+    if (m_days.empty())
+        m_first = day;
+    for (; day < m_first; --m_first)
+        m_days.emplace_front();
+    const auto at = std::size_t(day - m_first);
+    if (at >= m_days.size())
+        m_days.resize(at + 1);
+    return m_days[at];
+}
+
 CalendarEntry Calendar::find(QDate date, qint32 roomId) const
 {
-    return m_cells.value(Key{date.toJulianDay(), roomId});
+    const auto room = m_cells.constFind(roomId);
+    return room == m_cells.constEnd() ? CalendarEntry() : room->find(date.toJulianDay());
 }
 
 bool Calendar::roomIsBooked(QDate date, qint32 roomId) const
 {
-    return m_cells.contains(Key{date.toJulianDay(), roomId});
+    return find(date, roomId) != nullptr;
+}
+
+qsizetype Calendar::entryCount() const
+{
+    qsizetype count = 0;
+    for (const RoomDays &room : m_cells)
+        count += std::count_if(room.days().cbegin(), room.days().cend(), [](const CalendarEntry &cell) { return cell != nullptr; });
+    return count;
 }
 
 void Calendar::cacheGuest(qint32 clientId, const QString &shortName)
 {
-    delGuestEntry(clientId);
     m_guests.insert(clientId, shortName);
 }
 

@@ -11,6 +11,7 @@
 
 class QSqlQuery;
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -66,7 +67,7 @@ public:
 
     bool isLoaded(QDate date) const { return m_loaded.contains(date.toJulianDay()); }
     int queriesRun() const { return m_queries; }
-    qsizetype entryCount() const { return m_cells.size(); }
+    qsizetype entryCount() const;
 
 private:
     // Fills empty cells of days first..last from the rows of a query of the
@@ -74,13 +75,21 @@ private:
     void readRows(QSqlQuery &rows, QDate first, QDate last, bool loadedDaysOnly);
     void refreshClient(Database &db, qint32 clientId);
 
-    struct Key {
-        qint64 day;
-        qint32 room;
-        bool operator==(const Key &) const = default;
-        friend size_t qHash(const Key &k, size_t seed = 0) { return qHashMulti(seed, k.day, k.room); }
+    // One room's cells, a slot per day from its first day held: a window of
+    // days is read with one lookup of the room however many years are loaded.
+    class RoomDays {
+    public:
+        CalendarEntry find(qint64 day) const;
+        CalendarEntry &slot(qint64 day);
+        qint64 firstDay() const { return m_first; }
+        std::deque<CalendarEntry> &days() { return m_days; }
+        const std::deque<CalendarEntry> &days() const { return m_days; }
+
+    private:
+        qint64 m_first = 0;
+        std::deque<CalendarEntry> m_days;
     };
-    QHash<Key, CalendarEntry> m_cells;
+    QHash<qint32, RoomDays> m_cells;
     QHash<qint32, QString> m_guests;
     QSet<qint64> m_loaded;
     int m_queries = 0;

@@ -55,6 +55,35 @@ private Q_SLOTS:
         QVERIFY(!cal.guestName(9999));
     }
 
+    void anEarlierWindowAndAMovedStayKeepEveryRoomsDaysRight()
+    {
+        TestDatabase t;
+        const qint32 c = addClient(t.db(), "Anna", "Smith");
+        const qint32 across = addBooking(t.db(), 1, c, D0.addDays(18), 4);
+        const qint32 early = addBooking(t.db(), 1, c, D0.addDays(2), 3);
+        Calendar cal;
+        cal.fillCache(t.db(), D0.addDays(20), D0.addDays(29));
+        cal.fillCache(t.db(), D0, D0.addDays(19));   // the room's days grow backwards
+        QCOMPARE(cal.find(D0.addDays(18), 1)->BBBookingID, across);
+        QCOMPARE(cal.find(D0.addDays(21), 1)->BBBookingID, across);
+        QCOMPARE(cal.find(D0.addDays(2), 1)->BBBookingID, early);
+        QVERIFY(!cal.roomIsBooked(D0.addDays(22), 1));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(100), 1));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(-100), 1));
+
+        // Moved to another room and later: the old nights are free, the new ones taken.
+        t.db().execute("update booking set FromDate = ?, ToDate = ? where BBBookingID = ?",
+                       {sqlDate(D0.addDays(24)), sqlDate(D0.addDays(27)), across});
+        t.db().execute("update guest set BBRoomID = 2 where BBBookingID = ?", {across});
+        cal.refresh(t.db(), Changes().booking(across));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(18), 1));
+        QVERIFY(!cal.roomIsBooked(D0.addDays(21), 1));
+        QCOMPARE(cal.find(D0.addDays(24), 2)->BBBookingID, across);
+        QVERIFY(!cal.roomIsBooked(D0.addDays(27), 2));
+        QCOMPARE(cal.find(D0.addDays(2), 1)->BBBookingID, early);
+        QCOMPARE(cal.entryCount(), 6);
+    }
+
     // The window's query bounds the stays it reads by the longest one on file.
     void staysHoldingANightOfTheWindowAreFoundWhateverTheirLength_data()
     {
