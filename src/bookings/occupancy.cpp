@@ -4,6 +4,7 @@
 #include "rates/ratedata.h"
 #include "shell/database.h"
 #include "shell/record.h"
+#include "shell/stayoverlap.h"
 
 #include <QHash>
 
@@ -66,14 +67,17 @@ Result<OccupancyFigures> occupancy(Database &db, const RateData &rates, const Oc
     // One cell per night and room: -1 free, -2 out of service, else the adults sold.
     // The first leg read holds the night, as in a double booking only one counts.
     std::vector<int> cells(static_cast<size_t>(days * roomCount), -1);
-    QVariantList values{sqlDate(request.to), sqlDate(request.from)};
+    QVariantList values = stayOverlapValues(request.from, request.to);
     for (qint32 room : request.rooms)
         values << room;
+    // The stays are found by their dates: the unary plus keeps SQLite from walking
+    // the room index instead, which for every room over years looks each booking up
+    // by key across the whole file.
     QSqlQuery q = db.query(QStringLiteral("select booking.Status, guest.BBRoomID, guest.NoAdults, "
                                           "cast(julianday(booking.FromDate) + 0.5 as integer), "
                                           "cast(julianday(booking.ToDate) + 0.5 as integer) "
-                                          "from booking join guest on booking.BBBookingID = guest.BBBookingID "
-                                          "where booking.FromDate <= ? and booking.ToDate > ? and guest.BBRoomID in (")
+                                          "from booking join guest on booking.BBBookingID = guest.BBBookingID where ")
+                               + stayOverlapSql(QStringLiteral("booking")) + QStringLiteral(" and +guest.BBRoomID in (")
                                + recorddetail::placeholders(roomCount) + QLatin1Char(')'),
                            values);
     while (q.next()) {

@@ -14,6 +14,7 @@
 #include "shell/money.h"
 #include "shell/security.h"
 #include "shell/setuprecords.h"
+#include "shell/stayoverlap.h"
 
 #include <QSet>
 
@@ -60,9 +61,9 @@ std::optional<SwapLeg> swapLeg(Database &db, qint32 guestId)
 bool fitsIn(Database &db, const SwapLeg &leg, const SwapLeg &other)
 {
     return !db.scalar(QStringLiteral("select 1 from booking join guest on booking.BBBookingID = guest.BBBookingID "
-                                     "where booking.FromDate < ? and booking.ToDate > ? and guest.BBRoomID = ? "
-                                     "and guest.BBGuestID <> ?"),
-                      {sqlDate(leg.to), sqlDate(leg.from), other.roomId, other.guestId})
+                                     "where ") + stayOverlapSql(QStringLiteral("booking"))
+                          + QStringLiteral(" and guest.BBRoomID = ? and guest.BBGuestID <> ?"),
+                      stayOverlapValues(leg.from, leg.to.addDays(-1)) << other.roomId << other.guestId)
                 .isValid();
 }
 
@@ -201,8 +202,9 @@ std::vector<StayingLeg> legsStaying(Database &db, const QDate &date)
                                           "client.Company from booking join guest on booking.BBBookingID = guest.BBBookingID "
                                           "join room on guest.BBRoomID = room.BBRoomID "
                                           "left join client on guest.BBClientID = client.BBClientID "
-                                          "where booking.FromDate <= ? and booking.ToDate > ? order by room.OrderBy, guest.BBGuestID"),
-                           {sqlDate(date), sqlDate(date)});
+                                          "where ") + stayOverlapSql(QStringLiteral("booking"))
+                               + QStringLiteral(" order by room.OrderBy, guest.BBGuestID"),
+                           stayOverlapValues(date, date));
     while (q.next()) {
         StayingLeg leg;
         leg.BBBookingID = q.value(0).toInt();

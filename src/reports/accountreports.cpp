@@ -4,6 +4,7 @@
 #include "reports/reportlookups.h"
 #include "reports/reporttable.h"
 #include "shell/database.h"
+#include "shell/stayoverlap.h"
 #include "shell/strings.h"
 
 #include <QHash>
@@ -102,11 +103,11 @@ ReportSheet outstandingAccounts(Database &db, const ReportCriteria &criteria)
     std::vector<qint32> accounts;
     {
         QSqlQuery q = db.query(
-            QStringLiteral("select BBAccountID from booking where ToDate > ? and FromDate <= ? "
-                           "and Status not in ('U','S') and BBAccountID > 0 "
-                           "union select BBAccountID from extra where ExtraDate >= ? and ExtraDate <= ? and BBAccountID > 0 "
-                           "order by 1"),
-            {sqlDate(criteria.from), sqlDate(criteria.to), sqlDate(criteria.from), sqlDate(criteria.to)});
+            QStringLiteral("select BBAccountID from booking where ") + stayOverlapSql(QStringLiteral("booking"))
+                + QStringLiteral(" and Status not in ('U','S') and BBAccountID > 0 "
+                                 "union select BBAccountID from extra where ExtraDate >= ? and ExtraDate <= ? and BBAccountID > 0 "
+                                 "order by 1"),
+            stayOverlapValues(criteria.from, criteria.to) << sqlDate(criteria.from) << sqlDate(criteria.to));
         while (q.next())
             accounts.push_back(q.value(0).toInt());
     }

@@ -4,6 +4,7 @@
 #include "reports/reporttable.h"
 #include "shell/database.h"
 #include "shell/money.h"
+#include "shell/stayoverlap.h"
 #include "shell/strings.h"
 
 #include <QHash>
@@ -39,9 +40,9 @@ QHash<qint64, NightsTotal> ratesWithin(Database &db, const QDate &from, const QD
     QHash<qint64, NightsTotal> rates;
     QSqlQuery q = db.query(QStringLiteral("select d.BBBookingID, d.BBRoomID, sum(d.RoomRate), count(*) "
                                           "from booking b join dailyrate d on d.BBBookingID = b.BBBookingID "
-                                          "where b.ToDate > ? and b.FromDate <= ? and d.CalDate >= ? and d.CalDate <= ? "
-                                          "group by d.BBBookingID, d.BBRoomID"),
-                           {sqlDate(from), sqlDate(to), sqlDate(from), sqlDate(to)});
+                                          "where ") + stayOverlapSql(QStringLiteral("b"))
+                               + QStringLiteral(" and d.CalDate >= ? and d.CalDate <= ? group by d.BBBookingID, d.BBRoomID"),
+                           stayOverlapValues(from, to) << sqlDate(from) << sqlDate(to));
     while (q.next())
         rates.insert(legKey(q.value(0).toInt(), q.value(1).toInt()), {q.value(2).toDouble(), q.value(3).toInt()});
     return rates;
@@ -119,8 +120,8 @@ ReportSheet bookingSummary(Database &db, const ReportCriteria &criteria)
                        "left join room r on r.BBRoomID = g.BBRoomID "
                        "left join account a on a.BBAccountID = "
                        "(case when g.BBAccountID > 0 then g.BBAccountID else b.BBAccountID end) "
-                       "where b.ToDate > ? and b.FromDate <= ? order by b.FromDate, b.BBBookingID, g.BBGuestID"),
-        {sqlDate(criteria.from), sqlDate(criteria.to)});
+                       "where ") + stayOverlapSql(QStringLiteral("b")) + QStringLiteral(" order by b.FromDate, b.BBBookingID, g.BBGuestID"),
+        stayOverlapValues(criteria.from, criteria.to));
     while (q.next()) {
         const qint32 bookingId = q.value(0).toInt();
         const QDate from = sqlDay(q.value(4));

@@ -3,6 +3,7 @@
 #include "reports/reportlookups.h"
 #include "reports/reporttable.h"
 #include "shell/database.h"
+#include "shell/stayoverlap.h"
 #include "shell/strings.h"
 
 #include <QHash>
@@ -47,8 +48,8 @@ std::vector<Stay> staysWithin(Database &db, const QDate &from, const QDate &to)
                        "c.Title, c.FirstName, c.Surname, c.Company, c.PhoneNo "
                        "from booking b join guest g on g.BBBookingID = b.BBBookingID "
                        "left join client c on c.BBClientID = g.BBClientID "
-                       "where b.FromDate <= ? and b.ToDate > ? order by b.BBBookingID, g.BBGuestID"),
-        {sqlDate(to), sqlDate(from)});
+                       "where ") + stayOverlapSql(QStringLiteral("b")) + QStringLiteral(" order by b.BBBookingID, g.BBGuestID"),
+        stayOverlapValues(from, to));
     while (q.next()) {
         Stay stay;
         stay.from = sqlDay(q.value(0));
