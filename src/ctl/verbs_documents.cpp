@@ -169,12 +169,12 @@ int runLetter(const CommandLine &args)
             return 1;
         rooms.push_back(*room);
     } else {
-        rooms = printer.otherRooms(bookingId, 0);
-        if (rooms.empty())
+        const std::vector<qint32> all = printer.otherRooms(bookingId, 0);
+        if (all.empty())
             return refuse(Refusal(2294, QStringLiteral("Could not fetch booking data (%1)"), 1934,
                                   QStringLiteral("Booking not found."))
                               .arg(bookingId));
-        rooms.resize(1);
+        rooms.push_back(all.front());
     }
     if (args.has(QStringLiteral("other-rooms")))
         for (const qint32 room : printer.otherRooms(bookingId, rooms.front()))

@@ -274,11 +274,8 @@ public:
     {
         std::vector<T> rows;
         QSqlQuery q = db.query(sql, values);
-        while (q.next()) {
-            T row;
-            row.fillFields(q.record());
-            rows.push_back(std::move(row));
-        }
+        while (q.next())
+            rows.emplace_back().fillFields(q.record());
         return rows;
     }
 };
