@@ -26,15 +26,14 @@ std::optional<qint32> keyWord(const QString &text, const QString &what)
     return key;
 }
 
-QDate readDate(const QString &text, DateReading reading)
+QDate readDate(const QString &text)
 {
-    return reading == DateReading::Iso ? QDate::fromString(text, Qt::ISODate)
-                                       : QDate::fromString(text, QStringLiteral("yyyy-MM-dd"));
+    return QDate::fromString(text, QStringLiteral("yyyy-MM-dd"));
 }
 
-std::optional<QDate> dateOption(const CommandLine &args, const QString &name, DateReading reading)
+std::optional<QDate> dateOption(const CommandLine &args, const QString &name)
 {
-    const QDate date = readDate(args.option(name), reading);
+    const QDate date = readDate(args.option(name));
     if (!date.isValid()) {
         fail(QStringLiteral("--%1 must be a date YYYY-MM-DD").arg(name));
         return std::nullopt;
@@ -49,12 +48,12 @@ std::optional<QDate> dateOption(const CommandLine &args, const QString &name, co
     return dateOption(args, name);
 }
 
-std::optional<DateSpan> fromToOptions(const CommandLine &args, DateReading reading)
+std::optional<DateSpan> fromToOptions(const CommandLine &args)
 {
-    const auto from = dateOption(args, QStringLiteral("from"), reading);
+    const auto from = dateOption(args, QStringLiteral("from"));
     if (!from)
         return std::nullopt;
-    const auto to = dateOption(args, QStringLiteral("to"), reading);
+    const auto to = dateOption(args, QStringLiteral("to"));
     if (!to)
         return std::nullopt;
     return DateSpan{*from, *to};

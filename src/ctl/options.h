@@ -18,13 +18,10 @@ std::optional<qint32> keyOption(const CommandLine &args, const QString &name,
 // "WHAT must be a positive whole number: TEXT".
 std::optional<qint32> keyWord(const QString &text, const QString &what);
 
-// Exact takes YYYY-MM-DD and nothing more; Iso reads as Qt reads an ISO date,
-// which lets text follow the day.
-enum class DateReading { Exact, Iso };
-// The date a text holds; an invalid date when it holds none.
-QDate readDate(const QString &text, DateReading reading);
+// The date a text holds as YYYY-MM-DD and nothing more; an invalid date otherwise.
+QDate readDate(const QString &text);
 // A date, refused as "--NAME must be a date YYYY-MM-DD".
-std::optional<QDate> dateOption(const CommandLine &args, const QString &name, DateReading reading = DateReading::Exact);
+std::optional<QDate> dateOption(const CommandLine &args, const QString &name);
 // A date that may be left out: absent, it is the day given.
 std::optional<QDate> dateOption(const CommandLine &args, const QString &name, const QDate &absent);
 
@@ -33,7 +30,7 @@ struct DateSpan {
     QDate from;
     QDate to;
 };
-std::optional<DateSpan> fromToOptions(const CommandLine &args, DateReading reading = DateReading::Exact);
+std::optional<DateSpan> fromToOptions(const CommandLine &args);
 
 // The word after the verb ("extra add ..."), empty when there is none.
 QString subVerb(const CommandLine &args);

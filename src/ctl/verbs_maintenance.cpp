@@ -133,7 +133,7 @@ int runFreeRooms(Database &db, qint32 booking, const CommandLine &args)
         return fail(QStringLiteral("no booking %1").arg(booking));
     QDate from = head.FromDate, to = head.ToDate;
     if (args.has(QStringLiteral("from")) || args.has(QStringLiteral("to"))) {
-        const auto given = fromToOptions(args, DateReading::Iso);
+        const auto given = fromToOptions(args);
         if (!given)
             return 1;
         if (given->to <= given->from)
@@ -262,7 +262,7 @@ int runRates(Database &db, qint32 booking, const CommandLine &args)
 // staying --date D: the legs staying that night, as the room swap lists them.
 int runStaying(const CommandLine &args)
 {
-    const auto date = dateOption(args, QStringLiteral("date"), DateReading::Iso);
+    const auto date = dateOption(args, QStringLiteral("date"));
     if (!date)
         return 1;
     auto db = openDatabase(args);
@@ -395,7 +395,7 @@ int runSearch(const CommandLine &args)
 // occupancy --from D --to D [--rooms 1,2,...] [--beds]
 int runOccupancy(const CommandLine &args)
 {
-    const auto span = fromToOptions(args, DateReading::Iso);
+    const auto span = fromToOptions(args);
     if (!span)
         return 1;
     auto db = openDatabase(args);
@@ -433,7 +433,7 @@ int runOccupancy(const CommandLine &args)
 // quick-quote --from D --to D [--adults A] [--child1 N] [--child2 N] [--sheet ID] [--text]
 int runQuickQuote(const CommandLine &args)
 {
-    const auto span = fromToOptions(args, DateReading::Iso);
+    const auto span = fromToOptions(args);
     if (!span)
         return 1;
     auto db = openDatabase(args);

@@ -39,8 +39,8 @@ std::optional<StayArguments> readStay(const CommandLine &args)
         fail(QStringLiteral("--room must be a room id"));
         return std::nullopt;
     }
-    stay.from = readDate(args.option(QStringLiteral("from")), DateReading::Iso);
-    stay.to = readDate(args.option(QStringLiteral("to")), DateReading::Iso);
+    stay.from = readDate(args.option(QStringLiteral("from")));
+    stay.to = readDate(args.option(QStringLiteral("to")));
     if (!stay.from.isValid() || !stay.to.isValid()) {
         fail(QStringLiteral("--from and --to must be dates as YYYY-MM-DD"));
         return std::nullopt;

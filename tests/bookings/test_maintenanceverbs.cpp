@@ -117,6 +117,9 @@ private Q_SLOTS:
         const CtlRun staying = ctl({"staying", "--date", "2031-05-02"});
         QCOMPARE(staying.exitCode, 0);
         QCOMPARE(staying.json.value("legs").toArray().size(), 2);
+        const CtlRun trailing = ctl({"staying", "--date", "2031-05-02x"});
+        QVERIFY(trailing.exitCode != 0);
+        QVERIFY(trailing.errors.contains("--date must be a date YYYY-MM-DD"));
         const QString legA = QString::number(guestOf(a, 5)), legB = QString::number(guestOf(b, 6));
         const QString before = snapshot();
         const CtlRun same = ctl({"swap", legA, legA});
