@@ -70,9 +70,8 @@ Result<OccupancyFigures> occupancy(Database &db, const RateData &rates, const Oc
     QVariantList values = stayOverlapValues(request.from, request.to);
     for (qint32 room : request.rooms)
         values << room;
-    // The stays are found by their dates: the unary plus keeps SQLite from walking
-    // the room index instead, which for every room over years looks each booking up
-    // by key across the whole file.
+    // The rooms are compared row by row, so that SQLite keeps to the dates (see
+    // stayOverlapSql).
     QSqlQuery q = db.query(QStringLiteral("select booking.Status, guest.BBRoomID, guest.NoAdults, "
                                           "cast(julianday(booking.FromDate) + 0.5 as integer), "
                                           "cast(julianday(booking.ToDate) + 0.5 as integer) "

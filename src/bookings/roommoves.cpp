@@ -62,7 +62,7 @@ bool fitsIn(Database &db, const SwapLeg &leg, const SwapLeg &other)
 {
     return !db.scalar(QStringLiteral("select 1 from booking join guest on booking.BBBookingID = guest.BBBookingID "
                                      "where ") + stayOverlapSql(QStringLiteral("booking"))
-                          + QStringLiteral(" and guest.BBRoomID = ? and guest.BBGuestID <> ?"),
+                          + QStringLiteral(" and +guest.BBRoomID = ? and guest.BBGuestID <> ?"),
                       stayOverlapValues(leg.from, leg.to.addDays(-1)) << other.roomId << other.guestId)
                 .isValid();
 }

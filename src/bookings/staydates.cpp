@@ -1,8 +1,12 @@
 #include "bookings/staydates.h"
 
 #include "shell/database.h"
+#include "shell/stayoverlap.h"
 
 #include <QSqlQuery>
+
+#include <algorithm>
+#include <functional>
 
 namespace fenlark {
 
@@ -28,13 +32,19 @@ std::vector<qint32> clashingBookings(Database &db, qint32 roomId, const QDate &f
                                      qint32 exceptBookingId)
 {
     std::vector<qint32> found;
-    QSqlQuery q = db.query(QStringLiteral("select distinct booking.bbbookingid from booking, guest "
-                                          "where booking.bbbookingid = guest.bbbookingid and guest.bbroomid = ? "
-                                          "and booking.fromdate < ? and booking.todate > ? and booking.bbbookingid <> ? "
-                                          "order by booking.bbbookingid desc"),
-                           {roomId, sqlDate(toDate), sqlDate(fromDate), exceptBookingId});
+    if (nightCount(fromDate, toDate) == 0)
+        return found;
+    // The room is compared row by row and the keys ordered here, so that SQLite
+    // keeps to the dates (see stayOverlapSql).
+    QSqlQuery q = db.query(QStringLiteral("select booking.bbbookingid from booking join guest "
+                                          "on booking.bbbookingid = guest.bbbookingid where ")
+                               + stayOverlapSql(QStringLiteral("booking"))
+                               + QStringLiteral(" and +guest.bbroomid = ? and booking.bbbookingid <> ?"),
+                           stayOverlapValues(fromDate, toDate.addDays(-1)) << roomId << exceptBookingId);
     while (q.next())
         found.push_back(q.value(0).toInt());
+    std::sort(found.begin(), found.end(), std::greater<>());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 

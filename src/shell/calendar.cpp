@@ -152,7 +152,7 @@ void Calendar::refresh(Database &db, const Changes &changes)
             roomDays.slot(d.toJulianDay()).reset();
         ++m_queries;
         QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where ") + stayOverlapSql(QStringLiteral("booking"))
-                                   + QStringLiteral(" and guest.BBRoomID = ?"),
+                                   + QStringLiteral(" and +guest.BBRoomID = ?"),
                                stayOverlapValues(first, last) << room);
         readRows(q, first, last, true);
     }

@@ -286,6 +286,20 @@ private Q_SLOTS:
         QVERIFY(clashingBookings(db.db(), 5, f, tt).empty());
     }
 
+    void clashingBookingsAreListedOnceEachNewestFirst()
+    {
+        TestDatabase db;
+        TwoRoomStay older(db.db());
+        TwoRoomStay newer(db.db());
+        Guest second;   // a second leg of the newer booking in the same room
+        second.BBBookingID = newer.booking.BBBookingID;
+        second.BBRoomID = 3;
+        second.update(db.db());
+        QCOMPARE(clashingBookings(db.db(), 3, QDate(2026, 3, 12), QDate(2026, 3, 20)),
+                 (std::vector<qint32>{newer.booking.BBBookingID, older.booking.BBBookingID}));
+        QVERIFY(clashingBookings(db.db(), 3, QDate(2026, 3, 12), QDate(2026, 3, 12)).empty());
+    }
+
     void unavailableHasNoAdultsAndNoRates()
     {
         TestDatabase t;
