@@ -39,6 +39,7 @@ QString cellStatus(const QString &status, const QString &checkInOut)
 
 void Calendar::initCalendar()
 {
+    ++m_generation;
     m_cells.clear();
     m_guests.clear();
     m_loaded.clear();
@@ -63,11 +64,13 @@ bool Calendar::fillCache(Database &db, QDate from, QDate to)
     ++m_queries;
     QSqlQuery q = db.query(BookingCellsSql + QStringLiteral("where ") + stayOverlapSql(QStringLiteral("booking")),
                            stayOverlapValues(first, last));
-    readRows(q, from, to, false);
+    readRows(q, from, to, false, first.toJulianDay(), last.toJulianDay());
     return true;
 }
 
-void Calendar::readRows(QSqlQuery &q, QDate from, QDate to, bool loadedDaysOnly)
+// Days newFirst..newLast are read for the first time; a cell filled on any other
+// day changes what a loaded day shows.
+void Calendar::readRows(QSqlQuery &q, QDate from, QDate to, bool loadedDaysOnly, qint64 newFirst, qint64 newLast)
 {
     while (q.next()) {
         const QDate fromDate = dateFromSql(q.value(4));
@@ -92,15 +95,20 @@ void Calendar::readRows(QSqlQuery &q, QDate from, QDate to, bool loadedDaysOnly)
         for (QDate d = start; d <= end; d = d.addDays(1)) {
             if (loadedDaysOnly && !m_loaded.contains(d.toJulianDay()))
                 continue;
-            CalendarEntry &slot = roomDays.slot(d.toJulianDay());
-            if (!slot)
+            const qint64 day = d.toJulianDay();
+            CalendarEntry &slot = roomDays.slot(day);
+            if (!slot) {
                 slot = entry;
+                if (day < newFirst || day > newLast)
+                    ++m_generation;
+            }
         }
     }
 }
 
 void Calendar::refresh(Database &db, const Changes &changes)
 {
+    ++m_generation;
     if (changes.everythingChanged()) {
         initCalendar();
         return;
@@ -206,12 +214,19 @@ qsizetype Calendar::entryCount() const
 
 void Calendar::cacheGuest(qint32 clientId, const QString &shortName)
 {
-    m_guests.insert(clientId, shortName);
+    const auto it = m_guests.find(clientId);
+    if (it == m_guests.end()) {
+        m_guests.insert(clientId, shortName);
+    } else if (*it != shortName) {
+        *it = shortName;
+        ++m_generation;
+    }
 }
 
 void Calendar::delGuestEntry(qint32 clientId)
 {
-    m_guests.remove(clientId);
+    if (m_guests.remove(clientId))
+        ++m_generation;
 }
 
 std::optional<QString> Calendar::guestName(qint32 clientId) const

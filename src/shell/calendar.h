@@ -66,13 +66,16 @@ public:
     std::optional<QString> guestName(qint32 clientId) const;
 
     bool isLoaded(QDate date) const { return m_loaded.contains(date.toJulianDay()); }
+    // Changes whenever a day already loaded may show something else (a cell or a
+    // guest's name changed); reading days not loaded before leaves it as it was.
+    quint64 generation() const { return m_generation; }
     int queriesRun() const { return m_queries; }
     qsizetype entryCount() const;
 
 private:
     // Fills empty cells of days first..last from the rows of a query of the
     // booking, guest and client columns that fillCache selects.
-    void readRows(QSqlQuery &rows, QDate first, QDate last, bool loadedDaysOnly);
+    void readRows(QSqlQuery &rows, QDate first, QDate last, bool loadedDaysOnly, qint64 newFirst = 0, qint64 newLast = -1);
     void refreshClient(Database &db, qint32 clientId);
 
     // One room's cells, a slot per day from its first day held: a window of
@@ -93,6 +96,7 @@ private:
     QHash<qint32, QString> m_guests;
     QSet<qint64> m_loaded;
     int m_queries = 0;
+    quint64 m_generation = 0;
 };
 
 // The number of day columns for a grid this wide (in twips): one per 510 twips,

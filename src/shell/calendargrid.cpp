@@ -10,6 +10,9 @@
 #include <QSqlQuery>
 #include <QStringList>
 
+#include <algorithm>
+#include <cstdlib>
+
 namespace fenlark {
 
 QString cellText(const CalendarCache &entry, QDate day, const QString &shortName)
@@ -41,15 +44,12 @@ Rgb cellColour(const QString &status, const StatusColours &colours, bool *unknow
 void CalendarGrid::build(Session &session, QDate firstDay, int days, QDate today)
 {
     const auto &rooms = session.property().rooms();
-    m_firstDay = firstDay;
-    m_days = std::max(0, days);
-    m_rooms = static_cast<int>(rooms.size());
-    m_missingClients.clear();
-    const QDate lastDay = firstDay.addDays(m_days - 1);
+    const int dayCount = std::max(0, days);
+    const QDate lastDay = firstDay.addDays(dayCount - 1);
 
     m_events.load(session.db(), firstDay, lastDay);
-    m_headers.assign(static_cast<std::size_t>(m_days), DayHeader());
-    for (int c = 0; c < m_days; ++c) {
+    m_headers.assign(static_cast<std::size_t>(dayCount), DayHeader());
+    for (int c = 0; c < dayCount; ++c) {
         DayHeader &h = m_headers[static_cast<std::size_t>(c)];
         h.date = firstDay.addDays(c);
         h.weekend = h.date.dayOfWeek() >= 6;
@@ -63,44 +63,81 @@ void CalendarGrid::build(Session &session, QDate firstDay, int days, QDate today
 
     Calendar &calendar = session.calendar();
     calendar.fillCache(session.db(), firstDay, lastDay);
+    Source source{{}, dayCount, calendar.generation(), session.statusColours().version()};
+    source.rooms.reserve(rooms.size());
+    for (const Room &room : rooms)
+        source.rooms.push_back(room.BBRoomID);
+
+    const auto [fromColumn, toColumn] = keepSharedDays(source, firstDay);
+    m_firstDay = firstDay;
+    m_days = dayCount;
+    m_rooms = static_cast<int>(rooms.size());
+    m_source = std::move(source);
+    for (int r = 0; r < m_rooms; ++r)
+        layOut(session, r, m_source.rooms[static_cast<std::size_t>(r)], fromColumn, toColumn);
+}
+
+std::pair<int, int> CalendarGrid::keepSharedDays(const Source &source, QDate firstDay)
+{
+    const qint64 shift = m_firstDay.isValid() ? m_firstDay.daysTo(firstDay) : 0;
+    const int days = source.days;
+    // A cell showing "???" may have its name by now: such a grid is laid out whole.
+    if (source != m_source || !m_missingClients.empty() || shift == 0 || std::abs(shift) >= days) {
+        m_missingClients.clear();
+        m_cells.assign(source.rooms.size() * static_cast<std::size_t>(days), CalendarCell());
+        return {0, days};
+    }
+    const int moved = static_cast<int>(std::abs(shift));
+    for (std::size_t r = 0; r < source.rooms.size(); ++r) {
+        const auto row = m_cells.begin() + static_cast<std::ptrdiff_t>(r * static_cast<std::size_t>(days));
+        if (shift > 0)
+            std::rotate(row, row + moved, row + days);
+        else
+            std::rotate(row, row + (days - moved), row + days);
+    }
+    // The columns that came round from the other end are laid out afresh.
+    return shift > 0 ? std::pair{days - moved, days} : std::pair{0, moved};
+}
+
+void CalendarGrid::layOut(Session &session, int r, qint32 roomId, int fromColumn, int toColumn)
+{
+    const Calendar &calendar = session.calendar();
     const StatusColours &colours = session.statusColours();
-    m_cells.assign(static_cast<std::size_t>(m_rooms * m_days), CalendarCell());
-    for (int r = 0; r < m_rooms; ++r) {
-        const qint32 roomId = rooms[static_cast<std::size_t>(r)].BBRoomID;
-        // The cache holds one entry for all the nights of a stay in a room: its
-        // colour, name and the text of the nights after the arrival are made once.
-        const CalendarCache *stay = nullptr;
-        Rgb stayBack;
-        bool unknown = false;
-        QString name, nightText;
-        for (int c = 0; c < m_days; ++c) {
-            const QDate day = m_firstDay.addDays(c);
-            CalendarEntry entry = calendar.find(day, roomId);
-            if (!entry)
-                continue;
-            if (entry.get() != stay) {
-                stay = entry.get();
-                stayBack = cellColour(entry->Status, colours, &unknown);
-                const auto found = calendar.guestName(entry->BBClientID);
-                if (!found && (m_missingClients.empty() || m_missingClients.back() != entry->BBBookingID))
-                    m_missingClients.push_back(entry->BBBookingID);
-                name = found.value_or(QStringLiteral("???"));
-                nightText.clear();
-            }
-            CalendarCell &cell = m_cells[static_cast<std::size_t>(r * m_days + c)];
-            cell.back = stayBack;
-            const bool arrival = day == entry->Arrival;
-            if (arrival || nightText.isNull()) {
-                cell.text = cellText(*entry, day, name);
-                if (unknown)
-                    cell.text = entry->Status + QLatin1Char(' ') + cell.text;
-                if (!arrival)
-                    nightText = cell.text;
-            } else {
-                cell.text = nightText;
-            }
-            cell.entry = std::move(entry);
+    // The cache holds one entry for all the nights of a stay in a room: its
+    // colour, name and the text of the nights after the arrival are made once.
+    const CalendarCache *stay = nullptr;
+    Rgb stayBack;
+    bool unknown = false;
+    QString name, nightText;
+    for (int c = fromColumn; c < toColumn; ++c) {
+        const QDate day = m_firstDay.addDays(c);
+        CalendarCell &cell = m_cells[static_cast<std::size_t>(r * m_days + c)];
+        CalendarEntry entry = calendar.find(day, roomId);
+        if (!entry) {
+            cell = CalendarCell();
+            continue;
         }
+        if (entry.get() != stay) {
+            stay = entry.get();
+            stayBack = cellColour(entry->Status, colours, &unknown);
+            const auto found = calendar.guestName(entry->BBClientID);
+            if (!found && (m_missingClients.empty() || m_missingClients.back() != entry->BBBookingID))
+                m_missingClients.push_back(entry->BBBookingID);
+            name = found.value_or(QStringLiteral("???"));
+            nightText.clear();
+        }
+        cell.back = stayBack;
+        const bool arrival = day == entry->Arrival;
+        if (arrival || nightText.isNull()) {
+            cell.text = cellText(*entry, day, name);
+            if (unknown)
+                cell.text = entry->Status + QLatin1Char(' ') + cell.text;
+            if (!arrival)
+                nightText = cell.text;
+        } else {
+            cell.text = nightText;
+        }
+        cell.entry = std::move(entry);
     }
 }
 

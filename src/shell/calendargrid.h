@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace fenlark {
@@ -59,6 +60,9 @@ Rgb cellColour(const QString &status, const StatusColours &colours, bool *unknow
 class CalendarGrid {
 public:
     // Reads what the window needs (only days not yet loaded) and lays it out.
+    // When nothing the grid showed has changed since the last build (the cache's
+    // generation, the rooms, the status colours) the days both windows share are
+    // moved across and only the new ones laid out.
     void build(Session &session, QDate firstDay, int days, QDate today = QDate::currentDate());
 
     QDate firstDay() const { return m_firstDay; }
@@ -71,9 +75,23 @@ public:
     const std::vector<qint32> &missingClients() const { return m_missingClients; }
 
 private:
+    // What the cells were laid out from.
+    struct Source {
+        std::vector<qint32> rooms;
+        int days = 0;
+        quint64 calendar = 0;
+        quint64 colours = 0;
+        bool operator==(const Source &) const = default;
+    };
+    // Moves the cells of the days this window shares with the last one; returns
+    // the columns still to lay out, or all of them when nothing can be kept.
+    std::pair<int, int> keepSharedDays(const Source &source, QDate firstDay);
+    void layOut(Session &session, int room, qint32 roomId, int fromColumn, int toColumn);
+
     QDate m_firstDay;
     int m_days = 0;
     int m_rooms = 0;
+    Source m_source;
     std::vector<CalendarCell> m_cells;
     std::vector<DayHeader> m_headers;
     CalendarEvents m_events;

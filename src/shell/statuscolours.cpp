@@ -6,10 +6,14 @@
 
 #include <QSqlQuery>
 
+#include <atomic>
+
 namespace fenlark {
 
 void StatusColours::load(Database &db)
 {
+    static std::atomic<quint64> loads{0};
+    m_version = ++loads;
     m_list.clear();
     m_position.clear();
     QSqlQuery q = db.query(QStringLiteral("select Status, languagecode, Description, Red, Green, Blue from status order by OrderBy"));

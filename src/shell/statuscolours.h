@@ -35,6 +35,9 @@ public:
     // The code at a list position; empty when out of range.
     QString codeAt(int index) const;
 
+    // Which load this is: every load, of any list, has a number of its own.
+    quint64 version() const { return m_version; }
+
     // Writes the three values of each status in the list.
     static void save(Database &db, const std::vector<Status> &statuses);
     // Puts back the shipped colours of the seven statuses.
@@ -43,6 +46,7 @@ public:
 private:
     std::vector<Status> m_list;
     QHash<QString, int> m_position;
+    quint64 m_version = 0;
 };
 
 } // namespace fenlark
