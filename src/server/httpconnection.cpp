@@ -83,6 +83,9 @@ HttpConnection::HttpConnection(QTcpSocket *socket, const HttpLimits &limits, Htt
 {
     m_socket->setParent(this);
     m_socket->setReadBufferSize(SocketBufferBytes);
+    // A reply's last piece goes at once instead of waiting for the client to
+    // acknowledge the one before (which a client may delay by 40 ms).
+    m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_lastActivity.start();
     m_idle.setSingleShot(true);
     m_idle.setInterval(m_limits.idleMs);
