@@ -4,28 +4,11 @@
 #include "shell/home.h"
 #include "shell/schema.h"
 #include "shell/setuprecords.h"
+#include "support/filebytes.h"
 #include "support/testdatabase.h"
 
-#include <QCryptographicHash>
 #include <QtTest>
-
 using namespace fenlark;
-
-namespace {
-QByteArray digest(const QString &path)
-{
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    f.open(QIODevice::WriteOnly);
-    f.write(bytes);
-}
-} // namespace
 
 class TestDatabaseFile : public QObject {
     Q_OBJECT

@@ -4,9 +4,9 @@
 #include "shell/restore.h"
 #include "shell/schema.h"
 #include "shell/startup.h"
+#include "support/filebytes.h"
 #include "support/recordingsink.h"
 
-#include <QCryptographicHash>
 #include <QElapsedTimer>
 #include <QtTest>
 
@@ -18,27 +18,6 @@
 using namespace fenlark;
 
 namespace {
-
-QByteArray digest(const QString &path)
-{
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    f.open(QIODevice::WriteOnly);
-    f.write(bytes);
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return f.readAll();
-}
 
 // A closed Fenlark database of several dozen pages.
 void makeDatabase(const QString &path, int rows = 400)

@@ -2,8 +2,8 @@
 #include "shell/database.h"
 #include "shell/databasefiles.h"
 #include "shell/home.h"
+#include "support/filebytes.h"
 
-#include <QCryptographicHash>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QtTest>
@@ -15,13 +15,6 @@ using namespace fenlark;
 namespace {
 
 constexpr auto ChildFunction = "fullDiskChild";
-
-QByteArray digest(const QString &path)
-{
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
-}
 
 // Fills the disk under folder until a write fails, then gives back `room` bytes.
 void fillDisk(const QString &folder, qint64 room)
