@@ -402,6 +402,7 @@ Database::Database(QString path, QSqlDatabase db, QString connectionName)
 Database::~Database()
 {
     m_statements.clear();
+    m_rowStatements.clear();
     while (m_depth > 0)
         rollbackLevel();
     m_db.close();
@@ -454,6 +455,63 @@ void Database::finishStatements()
 {
     for (QSqlQuery &q : m_statements)
         q.finish();
+}
+
+// A prepared statement of readRow() with its column names, read once.
+struct Database::RowStatement {
+    sqlite3_stmt *statement = nullptr;
+    QStringList columns;
+    ~RowStatement() { sqlite3_finalize(statement); }
+};
+
+bool Database::readRow(const QString &sql, qint32 key, const std::function<void(const QString &, const QVariant &)> &take)
+{
+    checkTransactionAlive(sql);
+    std::shared_ptr<RowStatement> &row = m_rowStatements[sql];
+    if (!row) {
+        auto made = std::make_shared<RowStatement>();
+        const QByteArray text = sql.toUtf8();
+        if (const int code = sqlite3_prepare_v3(m_handle, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT,
+                                                &made->statement, nullptr);
+            code != SQLITE_OK) {
+            m_rowStatements.remove(sql);
+            throw DatabaseError(QString::fromUtf8(sqlite3_errmsg(m_handle)), sql, code);
+        }
+        for (int i = 0, n = sqlite3_column_count(made->statement); i < n; ++i)
+            made->columns << QString::fromUtf8(sqlite3_column_name(made->statement, i));
+        row = std::move(made);
+    }
+    sqlite3_stmt *statement = row->statement;
+    sqlite3_bind_int(statement, 1, key);
+    const int code = sqlite3_step(statement);
+    if (code == SQLITE_ROW) {
+        for (int i = 0; i < row->columns.size(); ++i) {
+            QVariant value;
+            switch (sqlite3_column_type(statement, i)) {
+            case SQLITE_INTEGER:
+                value = qlonglong(sqlite3_column_int64(statement, i));
+                break;
+            case SQLITE_FLOAT:
+                value = sqlite3_column_double(statement, i);
+                break;
+            case SQLITE_TEXT:
+                value = QString(static_cast<const QChar *>(sqlite3_column_text16(statement, i)),
+                                sqlite3_column_bytes16(statement, i) / 2);
+                break;
+            case SQLITE_BLOB:
+                value = QByteArray(static_cast<const char *>(sqlite3_column_blob(statement, i)), sqlite3_column_bytes(statement, i));
+                break;
+            default:
+                break;
+            }
+            take(row->columns.at(i), value);
+        }
+    }
+    // Reset at once, so that the statement holds no read of the file open.
+    sqlite3_reset(statement);
+    if (code != SQLITE_ROW && code != SQLITE_DONE)
+        throw DatabaseError(QString::fromUtf8(sqlite3_errstr(code)), sql, code);
+    return code == SQLITE_ROW;
 }
 
 int Database::execute(const QString &sql, const QVariantList &values)

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -109,6 +110,12 @@ public:
     // A query run once per row of a loop: its prepared form is kept like execute()'s.
     // The caller reads what it needs before running the same text again.
     QSqlQuery &repeatedQuery(const QString &sql, const QVariantList &values = {});
+    // Reads the one row a key names, column by column, straight from SQLite: for
+    // loops over many rows, where building Qt's record of every column at each
+    // run costs more than the reading. Each value comes as Qt's driver gives it
+    // (whole numbers as qlonglong, reals as double, text as QString, null as a null
+    // QVariant). False when no row came back. The statement is kept.
+    bool readRow(const QString &sql, qint32 key, const std::function<void(const QString &column, const QVariant &value)> &take);
     // The first column of the first row, or an invalid QVariant when no row came
     // back. The prepared form is kept, as for execute().
     QVariant scalar(const QString &sql, const QVariantList &values = {});
@@ -144,6 +151,8 @@ private:
     QSqlDatabase m_db;
     ::sqlite3 *m_handle = nullptr;
     QHash<QString, QSqlQuery> m_statements;
+    struct RowStatement;
+    QHash<QString, std::shared_ptr<RowStatement>> m_rowStatements;
     int m_depth = 0;
     qint64 m_lastInsertId = 0;
 };

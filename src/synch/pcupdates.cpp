@@ -6,7 +6,6 @@
 
 #include <QSet>
 #include <QSqlQuery>
-#include <QSqlRecord>
 
 namespace fenlark {
 
@@ -14,11 +13,12 @@ JsonValue PcUpdates::readRecord(Database &db, const QString &table, qint32 local
 {
     if (!SynchTables::isShared(table))
         return JsonValue();
-    QSqlQuery &q = db.repeatedQuery(QStringLiteral("select * from %1 where %2 = ?").arg(table, SynchTables::localKey(table)),
-                                    {localKey});
-    JsonValue values = q.next() ? json::recordToValue(q.record()) : JsonValue();
-    q.finish();
-    return values;
+    auto object = std::make_shared<JsonObject>();
+    const bool found = db.readRow(QStringLiteral("select * from %1 where %2 = ?").arg(table, SynchTables::localKey(table)), localKey,
+                                  [&](const QString &column, const QVariant &value) {
+                                      object->add(column, JsonValue::fromVariant(value));
+                                  });
+    return found ? JsonValue(object) : JsonValue();
 }
 
 JsonValue PcUpdates::collectPCUpdates(Database &db, const JsonArray &requestedRecords, int logLimit)

@@ -151,6 +151,20 @@ private Q_SLOTS:
         QCOMPARE(ChangeLog::count(t.db()), 1); // the orphan went
     }
 
+    // Every kind of value a column can hold goes out as Qt's own reading of the row would send it.
+    void aRecordGoesOutAsQtReadsIt()
+    {
+        TestDatabase t;
+        const qint32 id = addClient(t.db(), QStringLiteral("Ñúñez"));
+        t.db().execute(QStringLiteral("update client set DateCreated = null, ClientID = 3000000000, BBRateSheetID = 12.5, "
+                                      "Notes = cast('bytes' as blob), Title = '' where BBClientID = ?"),
+                       {id});
+        QSqlQuery q = t.db().query(QStringLiteral("select * from client where BBClientID = ?"), {id});
+        QVERIFY(q.next());
+        QCOMPARE(json::toString(PcUpdates::readRecord(t.db(), QStringLiteral("client"), id)), json::toString(json::recordToValue(q.record())));
+        QVERIFY(PcUpdates::readRecord(t.db(), QStringLiteral("client"), id + 1).isNothing());
+    }
+
     void guestCarriesItsAverageRate()
     {
         TestDatabase t;
