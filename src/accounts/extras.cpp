@@ -234,4 +234,9 @@ qint32 defaultAccountOf(Database &db, qint32 guestId)
     return db.scalar(QStringLiteral("select bbaccountid from booking where bbbookingid = ?"), {guest.BBBookingID}).toInt();
 }
 
+qint32 invoiceToOf(Database &db, qint32 accountId)
+{
+    return db.scalar(QStringLiteral("select invoiceto from account where bbaccountid = ?"), {accountId}).toInt();
+}
+
 } // namespace fenlark

@@ -84,5 +84,7 @@ std::vector<ExtraRow> extrasOfRoom(Database &db, qint32 guestId);
 
 // The account a room's extras go on by default: the room's own, else its booking's.
 qint32 defaultAccountOf(Database &db, qint32 guestId);
+// The client an account is invoiced to; 0 for no such account.
+qint32 invoiceToOf(Database &db, qint32 accountId);
 
 } // namespace fenlark

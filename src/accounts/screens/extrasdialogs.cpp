@@ -249,7 +249,7 @@ void Extras::fill()
 {
     Database &db = m_session.db();
     const qint32 account = defaultAccountOf(db, m_guestId);
-    const qint32 client = db.scalar(QStringLiteral("select invoiceto from account where bbaccountid = ?"), {account}).toInt();
+    const qint32 client = invoiceToOf(db, account);
     lblHeading->setText(getString(6726, QStringLiteral("Guest Extras. Default A/C ID: %1 - %2"))
                             .arg(QString::number(account), invoicedName(db, client)));
     std::vector<ExtraRow> rows = extrasOfRoom(db, m_guestId);
