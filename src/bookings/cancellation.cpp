@@ -21,6 +21,16 @@ namespace fenlark {
 
 namespace {
 
+// The audit line of a cancellation or a restore, with the reason given for it.
+void auditCancel(Database &db, const UserStruct &user, const QString &what, const QString &reason = {})
+{
+    SecurityAudit audit;
+    audit.User(user);
+    if (!reason.isEmpty())
+        audit.setReason(reason);
+    audit.addAudit(db, what);
+}
+
 QString roomNameOf(Database &db, qint32 roomId)
 {
     const QVariant name = db.scalar(QStringLiteral("select RoomName from room where BBRoomID = ?"), {roomId});
@@ -96,10 +106,7 @@ Result<CancelOutcome> BookingCancel::cancelBooking(qint32 bookingId, CancelQuest
         return outcome;
 
     Transaction transaction(m_db);
-    SecurityAudit audit;
-    audit.User(m_user);
-    audit.setReason(*reason);
-    audit.addAudit(m_db, QStringLiteral("Booking (ID %1) cancelled.").arg(bookingId));
+    auditCancel(m_db, m_user, QStringLiteral("Booking (ID %1) cancelled.").arg(bookingId), *reason);
     CancelLog::deleteRecord(m_db, CancelledTable::Booking, bookingId, m_user.UserName);
     Booking::remove(m_db, bookingId);
     for (const Guest &leg : legs) {
@@ -134,10 +141,8 @@ Result<CancelOutcome> BookingCancel::cancelRoom(qint32 bookingId, qint32 roomId,
         return outcome;
 
     Transaction transaction(m_db);
-    SecurityAudit audit;
-    audit.User(m_user);
-    audit.setReason(*reason);
-    audit.addAudit(m_db, QStringLiteral("Booking ID %1, %2 (%3) cancelled.").arg(bookingId).arg(roomNameOf(m_db, roomId)).arg(roomId));
+    auditCancel(m_db, m_user, QStringLiteral("Booking ID %1, %2 (%3) cancelled.").arg(bookingId).arg(roomNameOf(m_db, roomId)).arg(roomId),
+                *reason);
     CancelLog::deleteRecord(m_db, CancelledTable::Guest, leg.BBGuestID, m_user.UserName);
     Guest::remove(m_db, leg.BBGuestID);
     transaction.commit();
@@ -254,12 +259,8 @@ Result<RestoreOutcome> restoreLeg(Database &db, const RateData &rates, const Use
     head.fetch(db, outcome.BBBookingID);
     leg.fetch(db, guestId);
     fillRestoredNights(db, rates, head, leg);
-    SecurityAudit audit;
-    audit.User(user);
-    audit.addAudit(db, QStringLiteral("Booking ID %1, %2 (%3) restored.")
-                           .arg(outcome.BBBookingID)
-                           .arg(roomNameOf(db, outcome.BBRoomID))
-                           .arg(outcome.BBRoomID));
+    auditCancel(db, user,
+                QStringLiteral("Booking ID %1, %2 (%3) restored.").arg(outcome.BBBookingID).arg(roomNameOf(db, outcome.BBRoomID)).arg(outcome.BBRoomID));
     transaction.commit();
 
     QSqlQuery others = db.query(QStringLiteral("select coalesce(r.RoomName, g.BBRoomID) from guestdel g left join room r "
